@@ -1,0 +1,11 @@
+// The public interface of the crash-handling library, in one include.
+//
+//   #include <norvane_1/norvane.h>
+//
+// Everything lives in namespace norvane_1. Link against norvane::norvane.
+#pragma once
+
+#include <norvane_1/export.h>
+#include <norvane_1/report_records.h>
+#include <norvane_1/string_traits.h>
+#include <norvane_1/problem_report_storage.h>

@@ -1,0 +1,154 @@
+// One problem report in memory, and its text.
+//
+// A report holds typed records (the exception, assertion or process dump,
+// register contexts, stacks, modules) and a section map of named texts.
+// toString() brings the records into the section map and writes every
+// section in a fixed order; fromString() reads sections back into records.
+// Sections the report has no record for pass through unchanged.
+//
+//   norvane_1::ProblemReportStorage report;
+//   norvane_1::Exception e;
+//   e.code = 0xC0000005;
+//   e.description = L"EXCEPTION_ACCESS_VIOLATION";
+//   report.setException(e);
+//   report.setDumpValue(L"Path", L"C:\\logs\\crash.dmp");
+//   std::wstring text = report.toString();
+//
+//   norvane_1::ProblemReportStorage copy;
+//   copy.fromString(text);  // may throw boost::bad_lexical_cast on a damaged number
+//
+// The class takes no lock: whoever shares an instance serialises access.
+#pragma once
+
+#include <norvane_1/export.h>
+#include <norvane_1/report_records.h>
+
+#include <gavrel2/variant.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace norvane_1 {
+
+using AppPropertyPool = std::map<std::wstring, gavrel2::variant_t>;
+
+class NORVANE_API ProblemReportStorage {
+public:
+    ProblemReportStorage();
+    ProblemReportStorage(ProblemReportStorage const& other);
+    ~ProblemReportStorage();
+    ProblemReportStorage& operator=(ProblemReportStorage const& other);
+
+    // Whole report. toString() is not const: it refreshes the section map.
+    std::wstring toString();
+    // Adds what `text` holds to this report; true whenever it returns.
+    // Throws boost::bad_lexical_cast when "CrashedPID", "CrashedTID" or
+    // "Line" is not a decimal number; what was read up to there stays.
+    bool fromString(std::wstring const& text);
+
+    // Kind: decided by the records' strings alone.
+    bool isException() const;
+    bool isAssertion() const;
+    bool isProcessDump() const;
+
+    // Field access.
+    std::uint32_t& getCrashedTid();
+    std::uint32_t& getCrashedPid();
+    void setCrashedTid(std::uint32_t const& tid);
+    void setCrashedPid(std::uint32_t const& pid);
+    ContextMap& getContextMap();
+    RawStackMap& getStackMap();
+    CleanStackMap& getStackFramesMap();
+    ModuleInfoList& getModuleInfo();
+    Exception const& getException() const;
+    Assertion const& getAssertion() const;
+    ProcessDump const& getProcessDump() const;
+    std::wstring const& getFailedProductName() const;
+
+    // Section map. Looking a name up creates an empty entry for it, which is
+    // harmless: empty sections are never written.
+    std::wstring getSection(std::wstring const& name);
+    void setSection(std::wstring const& name, std::wstring const& text);
+
+    // Problem records.
+    void setException(Exception const& exception);
+    void setAssertion(Assertion const& assertion);
+    void setProcessDump(ProcessDump const& processDump);
+    void setDumpValue(std::wstring const& key, std::wstring const& value);
+    std::wstring getDumpValue(std::wstring const& key) const;
+    void setProcBitness(bool is32);
+    // 1 for 32 bits, 0 for 64 bits, -1 unknown. An unknown bitness is worked
+    // out from "bin32"/"bin64" in the module paths when possible.
+    int getProcBitness();
+
+    // Product.
+    void setProductInfo(std::wstring const& text);
+    std::wstring getProductInfo() const;
+    // "Package Contents" and "; " and "Build Number" of a product text.
+    void setFailedProductName(std::wstring const& productText);
+
+    // Appended data.
+    void addPremortalLog(std::vector<std::wstring> const& lines);
+    void setAppPropertyPool(AppPropertyPool const& pool);
+
+    // The directory of the report's files, with its trailing separator. An
+    // empty path is ignored; getReportPath() is null while none is set.
+    void setReportPath(std::wstring const& path);
+    wchar_t const* getReportPath() const;
+
+protected:
+    // Section text.
+    std::wstring::const_iterator findNextSection(std::wstring::const_iterator start,
+                                                 std::wstring& name, std::wstring& text,
+                                                 std::wstring const& reportText);
+    std::wstring getSection(std::wstring const& name, std::wstring const& reportText) const;
+
+    // Problem sections.
+    std::wstring processExceptionToString() const;
+    void processStringToException(std::wstring const& text);
+    std::wstring processAssertionToString() const;
+    void processStringToAssertion(std::wstring const& text);
+    std::wstring processProcessDumpToString() const;
+    void processStringToProcessDump(std::wstring const& text);
+    void processBitnessToString(StringMap& keys) const;
+    void processStringToBitness(StringMap const& keys);
+
+    // Context, stack and module sections.
+    void processContextsToString();
+    void processStringToContexts();
+    void processStacksToString();
+    void processStringToStacks();
+    void processModuleMapToSections();
+    void parseModuleMap();
+    std::wstring guidToString(Guid const& guid) const;
+    Guid stringToGuid(std::wstring const& text) const;
+
+    // Application properties as key text.
+    std::wstring processPropertiesToString() const;
+
+private:
+    StringMap m_dumpValues;
+    std::wstring m_productInfo;
+    std::wstring m_reportText;
+    RawStackMap m_stackMap;
+    CleanStackMap m_stackFramesMap;
+    ContextMap m_contextMap;
+    ModuleInfoList m_moduleInfo;
+    Exception m_exception;
+    Assertion m_assertion;
+    std::uint32_t m_crashedTid = 0;
+    std::uint32_t m_crashedPid = 0;
+    int m_procBitness = -1;  // -1 unknown, 1 for 32 bits, 0 for 64 bits
+    ProcessDump m_processDump;
+    AppPropertyPool m_appPropertyPool;
+    std::map<std::uint64_t, std::uint64_t> m_moduleAddressIndex;  // Begin -> position
+    std::map<std::wstring, std::uint64_t> m_moduleNameIndex;       // FullName -> position
+    std::wstring m_failedProductName;
+    StringMap m_sections;
+    std::wstring m_premortalLog;
+    std::wstring m_reportPath;
+};
+
+}  // namespace norvane_1

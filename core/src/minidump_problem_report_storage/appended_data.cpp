@@ -1,0 +1,46 @@
+// Data a report carries beyond the crash itself: the product, the premortal
+// log and the host's application properties. Portable code only.
+#include <norvane_1/problem_report_storage.h>
+#include <norvane_1/string_traits.h>
+
+#include <vantix_2_18/strings.h>
+
+namespace norvane_1 {
+
+void ProblemReportStorage::setProductInfo(std::wstring const& text) {
+    std::wstring normalised(text);
+    VANTIX_2_18::strings::replace_all(normalised, L"\r\n", L"\n");
+    m_productInfo = normalised;
+}
+
+std::wstring ProblemReportStorage::getProductInfo() const { return m_productInfo; }
+
+void ProblemReportStorage::setFailedProductName(std::wstring const& productText) {
+    StringMap keys;
+    processSectionToMap(productText, keys, {L"Package ID", L"Package Contents", L"Build Number"});
+    m_failedProductName = get(keys, L"Package Contents") + L"; " + get(keys, L"Build Number");
+}
+
+void ProblemReportStorage::addPremortalLog(std::vector<std::wstring> const& lines) {
+    m_premortalLog.clear();
+    for (auto const& line : lines) {
+        m_premortalLog += line;
+        m_premortalLog += L'\n';
+    }
+}
+
+void ProblemReportStorage::setAppPropertyPool(AppPropertyPool const& pool) {
+    if (&pool == &m_appPropertyPool) return;
+    m_appPropertyPool = pool;
+}
+
+std::wstring ProblemReportStorage::processPropertiesToString() const {
+    if (m_appPropertyPool.empty()) return std::wstring();
+    StringMap keys;
+    for (auto const& property : m_appPropertyPool) {
+        keys[property.first] = gavrel2::get_value_string(property.second).as_wstring();
+    }
+    return processMapToSection(keys);
+}
+
+}  // namespace norvane_1

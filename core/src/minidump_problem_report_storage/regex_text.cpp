@@ -1,0 +1,57 @@
+#include "regex_text.h"
+
+#include <boost/algorithm/string/trim.hpp>
+
+namespace norvane_1 {
+namespace internal {
+namespace {
+
+// The escape table, in both directions. "\n" in the decode format is a real
+// line feed; the conditional groups keep each replacement to its own match.
+constexpr wchar_t kEncodeExpression[] = L"(\\r\\n|\\r|\\n)|( )|(&(?!amp;))";
+constexpr wchar_t kEncodeFormat[] = L"(?1<br>)(?2&nbsp;)(?3&amp;)";
+constexpr wchar_t kDecodeExpression[] = L"(<br>)|(&nbsp;)|(&amp;)";
+constexpr wchar_t kDecodeFormat[] = L"(?1\n)(?2 )(?3&)";
+
+}  // namespace
+
+std::wstring replaceAllByRegex(std::wstring const& text, boost::wregex const& expression,
+                               std::wstring const& format) {
+    try {
+        return boost::regex_replace(text, expression, format,
+                                    boost::match_default | boost::format_all);
+    } catch (boost::regex_error const&) {
+        return std::wstring();
+    }
+}
+
+std::wstring replaceAllByRegex(std::wstring const& text, std::wstring const& expression,
+                               std::wstring const& format) {
+    try {
+        return replaceAllByRegex(text, boost::wregex(expression), format);
+    } catch (boost::regex_error const&) {
+        return std::wstring();
+    }
+}
+
+std::wstring encodeText(std::wstring const& text) {
+    static boost::wregex const expression(kEncodeExpression);
+    return replaceAllByRegex(text, expression, kEncodeFormat);
+}
+
+std::wstring decodeText(std::wstring const& text) {
+    static boost::wregex const expression(kDecodeExpression);
+    return replaceAllByRegex(text, expression, kDecodeFormat);
+}
+
+std::wstring trimLineEnds(std::wstring const& text) {
+    auto const first = text.find_first_not_of(L"\r\n");
+    if (first == std::wstring::npos) return std::wstring();
+    auto const last = text.find_last_not_of(L"\r\n");
+    return text.substr(first, last - first + 1);
+}
+
+std::wstring trim(std::wstring const& text) { return boost::algorithm::trim_copy(text); }
+
+}  // namespace internal
+}  // namespace norvane_1

@@ -1,0 +1,140 @@
+// "Stack.raw.0x<tid>" and "Stack.clean.0x<tid>" sections. Portable code only.
+//
+// These bodies are tables, not key text: a raw line is "slot: return
+// address", a clean line "kind | stack slot | address[ | module]". They are
+// read line by line without regular expressions, since a report may carry
+// thousands of such lines.
+#include <norvane_1/problem_report_storage.h>
+#include <norvane_1/string_traits.h>
+
+#include "hex_text.h"
+#include "regex_text.h"
+
+#include <vantix_2_18/strings.h>
+
+#include <algorithm>
+#include <string_view>
+
+namespace norvane_1 {
+namespace {
+
+constexpr std::wstring_view kPrefix = L"Stack";
+constexpr wchar_t kColumnDivider[] = L" | ";
+
+std::wstring frameKindToString(StackFrame const& frame) {
+    switch (frame.kind) {
+        case 1: return L"?";
+        case 2: return L"+";
+        case 4: return L"!";
+        default: return L"-";
+    }
+}
+
+std::uint32_t frameKindFromString(std::wstring const& text) {
+    if (text == L"?") return 1;
+    if (text == L"+" || text == L" ") return 2;
+    if (text == L"!") return 4;
+    return 0;
+}
+
+std::wstring rawStackText(RawStack const& stack) {
+    std::wstring text;
+    text.reserve(stack.size() * 38);
+    for (auto const& slot : stack) {
+        internal::appendAddress(text, slot.first);
+        text += L": ";
+        internal::appendAddress(text, slot.second);
+        text += L'\n';
+    }
+    return text;
+}
+
+std::wstring cleanStackText(CleanStack frames) {
+    std::sort(frames.begin(), frames.end(), [](StackFrame const& a, StackFrame const& b) {
+        return a.stackAddress < b.stackAddress;
+    });
+    std::wstring text;
+    text.reserve(frames.size() * 64);
+    for (auto const& frame : frames) {
+        text += frameKindToString(frame);
+        text += kColumnDivider;
+        internal::appendAddress(text, frame.stackAddress);
+        text += kColumnDivider;
+        internal::appendAddress(text, frame.address);
+        if (!frame.module.empty()) {
+            text += kColumnDivider;
+            text += frame.module;
+        }
+        text += L'\n';
+    }
+    return text;
+}
+
+template <typename LineReader>
+void forEachLine(std::wstring const& text, LineReader&& read) {
+    std::wstring::size_type start = 0;
+    while (start < text.size()) {
+        auto end = text.find(L'\n', start);
+        if (end == std::wstring::npos) end = text.size();
+        read(text.substr(start, end - start));
+        start = end + 1;
+    }
+}
+
+RawStack parseRawStack(std::wstring const& text) {
+    RawStack stack;
+    forEachLine(text, [&stack](std::wstring const& line) {
+        auto const colon = line.find(L':');
+        if (colon == std::wstring::npos || colon == 0 || colon + 1 == line.size()) return;
+        auto const slot = internal::parseHex64(internal::trim(line.substr(0, colon)));
+        stack[slot] = internal::parseHex64(internal::trim(line.substr(colon + 1)));
+    });
+    return stack;
+}
+
+CleanStack parseCleanStack(std::wstring const& text) {
+    CleanStack frames;
+    forEachLine(text, [&frames](std::wstring const& line) {
+        if (line.empty()) return;
+        auto const columns = VANTIX_2_18::strings::split_string(line, kColumnDivider, 0);
+        if (columns.empty()) return;
+        StackFrame frame;
+        frame.kind = frameKindFromString(columns[0]);
+        if (columns.size() >= 3) {
+            frame.stackAddress = internal::parseHex64(internal::trim(columns[1]));
+            frame.address = internal::parseHex64(internal::trim(columns[2]));
+        }
+        if (columns.size() >= 4) frame.module = columns[3];
+        frames.push_back(frame);
+    });
+    return frames;
+}
+
+}  // namespace
+
+void ProblemReportStorage::processStacksToString() {
+    for (auto const& entry : m_stackMap) {
+        m_sections[L"Stack.raw." + internal::threadIdToString(entry.first)] = rawStackText(entry.second);
+    }
+    for (auto const& entry : m_stackFramesMap) {
+        m_sections[L"Stack.clean." + internal::threadIdToString(entry.first)] =
+            cleanStackText(entry.second);
+    }
+}
+
+void ProblemReportStorage::processStringToStacks() {
+    for (auto const& section : m_sections) {
+        if (section.first.compare(0, kPrefix.size(), kPrefix) != 0) continue;
+        auto const parts = VANTIX_2_18::strings::split_string(section.first, L".", 0);
+        if (parts.size() < 2) continue;
+        auto const threadId = internal::parseHex32(internal::trim(parts.back()));
+        // "Stack.<tid>" is an older name of a raw stack.
+        if (parts.size() == 2 || parts[1] == L"raw") {
+            m_stackMap[threadId] = parseRawStack(section.second);
+        } else if (parts.size() == 3 && parts[1] == L"clean") {
+            m_stackFramesMap[threadId] = parseCleanStack(section.second);
+        }
+    }
+}
+
+}  // namespace norvane_1

@@ -1,0 +1,93 @@
+// Key text: writing "Key: value" lines and reading them back.
+#include <norvane_1/string_traits.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using norvane_1::StringMap;
+
+StringMap read(std::wstring const& text, std::vector<std::wstring> const& keys = {}) {
+    StringMap out;
+    norvane_1::processSectionToMap(text, out, keys);
+    return out;
+}
+
+std::wstring withCrLf(std::wstring const& text) {
+    std::wstring out;
+    for (wchar_t c : text) {
+        if (c == L'\n') out += L'\r';
+        out += c;
+    }
+    return out;
+}
+
+TEST(KeyText, WritesSortedLinesWithABlankBehindTheColon) {
+    StringMap const keys{{L"R8", L"1"}, {L"R10", L"2"}, {L"Product", L""}, {L"ProcessBitness", L"64"}};
+    EXPECT_EQ(norvane_1::processMapToSection(keys), L"ProcessBitness: 64\nProduct: \nR10: 2\nR8: 1\n");
+    EXPECT_EQ(norvane_1::processMapToSection({}), L"");
+}
+
+TEST(KeyText, GetGivesEmptyTextForMissingKeys) {
+    StringMap const keys{{L"A", L"1"}};
+    EXPECT_EQ(norvane_1::get(keys, L"A"), L"1");
+    EXPECT_EQ(norvane_1::get(keys, L"B"), L"");
+}
+
+struct ReadCase {
+    char const* what;
+    std::wstring text;
+    std::vector<std::wstring> keys;
+    StringMap expected;
+};
+
+TEST(KeyText, ReadsValuesByTheRuleOfTheKeyList) {
+    ReadCase const cases[] = {
+        {"two lines", L"A: 1\nB: 2", {}, {{L"A", L"1"}, {L"B", L"2"}}},
+        {"no blank", L"A:1", {}, {{L"A", L"1"}}},
+        {"empty value", L"A:", {}, {{L"A", L""}}},
+        {"empty value then key", L"A:\nB: 2", {}, {{L"A", L""}, {L"B", L"2"}}},
+        {"continuation", L"A: 1\n more\nB: 2", {}, {{L"A", L"1\n more"}, {L"B", L"2"}}},
+        {"empty line trimmed", L"A: 1\n\nB: 2", {}, {{L"A", L"1"}, {L"B", L"2"}}},
+        {"junk line lost", L"A: 1\njunk\nB: 2", {}, {{L"A", L"1"}, {L"B", L"2"}}},
+        {"last value wins", L"A: 1\nA: 2", {}, {{L"A", L"2"}}},
+        {"key with blanks", L"Command line: x\nKey  : y", {}, {{L"Command line", L"x"}, {L"Key", L"y"}}},
+        {"key stops at first colon", L"Path: C:\\x", {}, {{L"Path", L"C:\\x"}}},
+        {"drive letter line is a key", L"Path: C:\\x\nC:\\y", {}, {{L"Path", L"C:\\x"}, {L"C", L"\\y"}}},
+        {"blank in front of key", L" A: 1", {}, {}},
+        {"value white space", L"A: \t 1 \t", {}, {{L"A", L"1"}}},
+        {"joined lines", L"A: 1\n2\nB: 3", {L"A", L"B"}, {{L"A", L"12"}, {L"B", L"3"}}},
+        {"empty line ends value", L"A: 1\n\n2: x", {L"A", L"B"}, {{L"A", L"1"}, {L"2", L"x"}}},
+        {"unlisted key is joined", L"A: 1\nC: 2", {L"A"}, {{L"A", L"1C: 2"}}},
+        {"lone CR in single-line mode", L"A: 1\rB: 2", {}, {{L"A", L"1\rB: 2"}}},
+        {"nothing", L"", {}, {}},
+    };
+    for (auto const& c : cases) EXPECT_EQ(read(c.text, c.keys), c.expected) << c.what;
+}
+
+TEST(KeyText, CrLfReadsLikeLf) {
+    std::wstring const text = L"A: 1\nB:\n  2\n\nC: 3\nlost\nD: 4\n";
+    for (auto const& keys : {std::vector<std::wstring>{}, std::vector<std::wstring>{L"A", L"B", L"C", L"D"}}) {
+        StringMap lf = read(text, keys);
+        StringMap crlf = read(withCrLf(text), keys);
+        if (keys.empty()) {
+            // A value that keeps its inner line break keeps it as it stood.
+            EXPECT_EQ(crlf[L"B"], L"2");
+        }
+        EXPECT_EQ(lf, crlf);
+    }
+}
+
+TEST(KeyText, AddsToTheMapWithoutEmptyingIt) {
+    StringMap out{{L"Old", L"kept"}, {L"A", L"replaced"}};
+    norvane_1::processSectionToMap(L"A: new", out, {});
+    EXPECT_EQ(out, (StringMap{{L"Old", L"kept"}, {L"A", L"new"}}));
+}
+
+TEST(KeyText, MalformedKeyListKeepsWhatWasRead) {
+    StringMap out{{L"Old", L"kept"}};
+    norvane_1::processSectionToMap(L"A: 1", out, {L"(broken"});
+    EXPECT_EQ(out, (StringMap{{L"Old", L"kept"}}));
+}
+
+}  // namespace

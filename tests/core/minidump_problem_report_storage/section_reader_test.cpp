@@ -1,0 +1,62 @@
+// Finding sections in report text.
+#include "report_probe.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Sections = std::vector<std::pair<std::wstring, std::wstring>>;
+
+// Every section findNextSection gives, in the order it gives them.
+Sections scan(std::wstring const& text) {
+    norvane_test::ReportProbe probe;
+    Sections found;
+    std::wstring name;
+    std::wstring body;
+    for (auto at = text.cbegin(); at != text.cend();) {
+        at = probe.findNextSection(at, name, body, text);
+        if (!name.empty()) found.emplace_back(name, body);
+    }
+    return found;
+}
+
+struct ScanCase {
+    char const* what;
+    std::wstring text;
+    Sections expected;
+};
+
+TEST(SectionReader, FindsHeadsThatStandOnLinesOfTheirOwn) {
+    ScanCase const cases[] = {
+        {"head behind head", L"\n[A]\n[B]\nx", {{L"A", L""}, {L"B", L"x"}}},
+        {"blank lines between", L"\n[A]\n\na: 1\n\n\n[B]\nb\n\n", {{L"A", L"a: 1"}, {L"B", L"b"}}},
+        {"blanks inside brackets", L"\n[ A ]\nx", {{L"A", L"x"}}},
+        {"dots and blanks in names", L"\n[Context.0x000019e8]\nx\n[Device Info]\ny",
+         {{L"Context.0x000019e8", L"x"}, {L"Device Info", L"y"}}},
+        {"hyphen is no name", L"\n[A]\nx\n[A-B]\ny", {{L"A", L"x\n[A-B]\ny"}}},
+        {"blank behind bracket", L"\n[A]\nx\n[B] \ny", {{L"A", L"x\n[B] \ny"}}},
+        {"head at the very end", L"\n[A]\nx\n[B]", {{L"A", L"x\n[B]"}}},
+        {"text before first head", L"junk\n[A]\nx", {{L"A", L"x"}}},
+        {"no line break in front", L"[A]\nx", {}},
+        {"CR LF", L"\r\n[A]\r\nx\r\n\r\n[B]\r\ny\r\n", {{L"A", L"x"}, {L"B", L"y"}}},
+        {"lone CR", L"\r[A]\rx\r[B]\ry", {{L"A", L"x"}, {L"B", L"y"}}},
+        {"blanks stay", L"\n[A]\n  x  \n", {{L"A", L"  x  "}}},
+        {"bracket line in free text cuts", L"\n[Log]\nline\n[Something]\nmore",
+         {{L"Log", L"line"}, {L"Something", L"more"}}},
+    };
+    for (auto const& c : cases) EXPECT_EQ(scan(c.text), c.expected) << c.what;
+}
+
+TEST(SectionReader, GetSectionByNameReadsRawText) {
+    norvane_test::ReportProbe probe;
+    std::wstring const text = L"\n[A]\nx\n\n[ B ]\ny\n";
+    EXPECT_EQ(probe.getSection(L"A", text), L"\nx\n");
+    EXPECT_EQ(probe.getSection(L"B", text), L"\ny\n");
+    EXPECT_EQ(probe.getSection(L"C", text), L"");
+    EXPECT_EQ(probe.getSection(L"(", text), L"");  // a name that breaks the expression
+}
+
+}  // namespace

@@ -1,0 +1,176 @@
+// The whole report: section order, what a round trip keeps, and the text
+// as the contract between the two platforms' builds.
+#include "report_probe.h"
+#include "sample_reports.h"
+
+#include <boost/lexical_cast.hpp>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+using norvane_1::ProblemReportStorage;
+using norvane_test::ReportProbe;
+
+std::string readFile(std::string const& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+std::string dataFile(char const* name) { return std::string(NORVANE_TEST_DATA_DIR) + "/reports/" + name; }
+
+std::wstring withCrLf(std::wstring const& text) {
+    std::wstring out;
+    for (wchar_t c : text) {
+        if (c == L'\n') out += L'\r';
+        out += c;
+    }
+    return out;
+}
+
+std::vector<std::wstring> sectionNames(std::wstring const& text) {
+    std::vector<std::wstring> names;
+    std::wstring::size_type at = 0;
+    while ((at = text.find(L"\n[", at)) != std::wstring::npos) {
+        auto const close = text.find(L"]\n", at);
+        names.push_back(text.substr(at + 2, close - at - 2));
+        at = close;
+    }
+    return names;
+}
+
+TEST(WholeReport, NewReportIsAnEmptyProcessDump) {
+    ProblemReportStorage report;
+    EXPECT_FALSE(report.isException());
+    EXPECT_FALSE(report.isAssertion());
+    EXPECT_FALSE(report.isProcessDump());
+    EXPECT_EQ(report.toString(),
+              L"[ProcessDump]\nCommand line: \nCrashedPID: 0\nCrashedTID: 0\nDescription: \n"
+              L"Executable: \nProduct: \nReportPath: \n\n\n");
+}
+
+TEST(WholeReport, SectionsStandInTheirFixedOrder) {
+    auto report = norvane_test::makeRichReport();
+    report.setSection(L"System", L"OS: test");
+    report.setSection(L"Empty", L"");
+    std::wstring const text = L"\n" + report.toString();
+    std::vector<std::wstring> const expected{
+        L"Exception", L"Process", L"Products", L"System", L"ClientInfo", L"Dump", L"PremortalLog",
+        L"Aardvark", L"Context.0x000019e8", L"Device Info", L"Module000", L"Module001",
+        L"Stack.clean.0x000019e8", L"Stack.raw.0x000019e8", L"CreationLog"};
+    EXPECT_EQ(sectionNames(text), expected);
+}
+
+TEST(WholeReport, AssertionGoesBeforeExceptionAndOldTextsStay) {
+    ProblemReportStorage report;
+    norvane_1::Exception e;
+    e.description = L"E";
+    report.setException(e);
+    EXPECT_NE(report.toString().find(L"[Exception]"), std::wstring::npos);
+    norvane_1::Assertion a;
+    a.expression = L"x";
+    report.setAssertion(a);
+    std::wstring const text = report.toString();
+    EXPECT_NE(text.find(L"[Assertion]"), std::wstring::npos);
+    // The exception section set by the first call stays in the map.
+    EXPECT_NE(text.find(L"[Exception]"), std::wstring::npos);
+
+    ProblemReportStorage both;
+    both.setException(e);
+    both.setAssertion(a);
+    EXPECT_EQ(both.toString().find(L"[Exception]"), std::wstring::npos);
+}
+
+TEST(WholeReport, SectionMapLookupsCreateEntries) {
+    ProblemReportStorage report;
+    EXPECT_EQ(report.getSection(L"Nothing"), L"");
+    report.setSection(L"", L"ignored");
+    report.setSection(L"Free", L"no line end");
+    report.setSection(L"Keys", L"A: 1\n");
+    std::wstring const text = report.toString();
+    EXPECT_NE(text.find(L"[Free]\nno line end\n\n[Keys]\nA: 1\n\n\n"), std::wstring::npos);
+    EXPECT_EQ(text.find(L"[Nothing]"), std::wstring::npos);
+}
+
+TEST(WholeReport, RoundTripKeepsTheRecords) {
+    auto written = norvane_test::makeRichReport();
+    std::wstring const text = written.toString();
+    ProblemReportStorage read;
+    EXPECT_TRUE(read.fromString(text));
+    EXPECT_EQ(read.getException().code, 0xC0000005u);
+    EXPECT_EQ(read.getException().module, L"sample tool.dll");
+    EXPECT_EQ(read.getCrashedTid(), 0x19e8u);
+    EXPECT_EQ(read.getProcBitness(), 0);
+    EXPECT_EQ(std::wstring(read.getReportPath()), L"C:\\logs\\crash 1\\");
+    EXPECT_EQ(read.getFailedProductName(), L"Sample Tool; 612345");
+    EXPECT_EQ(read.getProductInfo(), L"Package ID: N-A\nPackage Contents: Sample Tool\nBuild Number: 612345");
+    EXPECT_EQ(read.getDumpValue(L"Path"), L"C:\\logs\\crash 1\\crash.dmp");
+    EXPECT_EQ(read.getModuleInfo(), written.getModuleInfo());
+    EXPECT_EQ(read.getStackMap(), written.getStackMap());
+    EXPECT_EQ(read.getSection(L"Device Info"), written.getSection(L"Device Info"));
+    // Free text loses its line ends at both ends on the way; after that the
+    // text is a fixed point, with unknown sections and client info as text.
+    std::wstring const again = read.toString();
+    ProblemReportStorage reread;
+    reread.fromString(again);
+    EXPECT_EQ(reread.toString(), again);
+}
+
+TEST(WholeReport, FromStringAddsToWhatTheObjectHolds) {
+    ReportProbe report;
+    report.setSection(L"Kept", L"yes");
+    report.getModuleInfo().resize(2);
+    report.fromString(L"no sections at all");
+    EXPECT_EQ(report.getSection(L"Kept"), L"yes");
+    EXPECT_TRUE(report.getModuleInfo().empty());
+}
+
+TEST(WholeReport, DamagedNumberStopsTheReaderButKeepsTheSections) {
+    ProblemReportStorage report;
+    EXPECT_THROW(report.fromString(L"[Exception]\nCode: 0x5\nDescription: x\nCrashedTID: 12a\n\n[Other]\nkept\n"),
+                 boost::bad_lexical_cast);
+    EXPECT_EQ(report.getSection(L"Other"), L"kept");
+    EXPECT_EQ(report.getException().code, 5u);
+}
+
+TEST(WholeReport, CrLfTextReadsLikeLfText) {
+    std::wstring const text = norvane_test::makeRichReport().toString();
+    ProblemReportStorage lf;
+    ProblemReportStorage crlf;
+    lf.fromString(text);
+    crlf.fromString(withCrLf(text));
+    EXPECT_EQ(crlf.getModuleInfo(), lf.getModuleInfo());
+    EXPECT_EQ(crlf.getStackMap(), lf.getStackMap());
+    EXPECT_EQ(crlf.getException().description, lf.getException().description);
+    EXPECT_EQ(crlf.getCrashedPid(), lf.getCrashedPid());
+    // Clean frames keep a CR in their module column: the one documented difference.
+    EXPECT_EQ(crlf.getStackFramesMap()[0x19e8][0].module, L"sample tool.dll\r");
+}
+
+// The same report, built in code, must come out of every platform's build as
+// the same UTF-8 bytes: the committed file is that text.
+TEST(WholeReport, TextIsTheSameOnEveryPlatform) {
+    auto report = norvane_test::makeRichReport();
+    std::string const expected = readFile(dataFile("rich_report.txt"));
+    ASSERT_FALSE(expected.empty()) << "missing " << dataFile("rich_report.txt");
+    EXPECT_EQ(norvane_test::toUtf8(report.toString()), expected);
+}
+
+// A report as a Windows build writes it to disk (UTF-8, CR LF) reads the
+// same on every platform.
+TEST(WholeReport, WindowsFileReadsTheSameEverywhere) {
+    std::string const bytes = readFile(dataFile("rich_report_crlf.txt"));
+    ASSERT_FALSE(bytes.empty());
+    ProblemReportStorage read;
+    read.fromString(norvane_test::fromUtf8(bytes));
+    auto reference = norvane_test::makeRichReport();
+    EXPECT_EQ(read.getModuleInfo(), reference.getModuleInfo());
+    EXPECT_EQ(read.getModuleInfo()[1].FullName, norvane_test::fromUtf8(u8"C:\\テスト\\модуль.dll"));
+    EXPECT_EQ(read.getSection(L"Device Info"), withCrLf(reference.getSection(L"Device Info")));
+    EXPECT_EQ(read.getStackMap(), reference.getStackMap());
+    EXPECT_EQ(read.getContextMap()[0x19e8].R15, 0xffffffffffffffffULL);
+}
+
+}  // namespace
