@@ -17,7 +17,7 @@ struct LargeReportShape {
     int modules = 300;
     int threads = 8;
     int cleanFrames = 200;
-    int rawSlots = 600;
+    int rawSlots = 2500;
     int premortalLines = 100;
     int customSections = 20;
 };

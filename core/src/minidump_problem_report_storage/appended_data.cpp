@@ -3,6 +3,8 @@
 #include <norvane_1/problem_report_storage.h>
 #include <norvane_1/string_traits.h>
 
+#include "key_text.h"
+
 #include <vantix_2_18/strings.h>
 
 namespace norvane_1 {
@@ -16,8 +18,9 @@ void ProblemReportStorage::setProductInfo(std::wstring const& text) {
 std::wstring ProblemReportStorage::getProductInfo() const { return m_productInfo; }
 
 void ProblemReportStorage::setFailedProductName(std::wstring const& productText) {
+    static internal::KnownKeys const productKeys({L"Package ID", L"Package Contents", L"Build Number"});
     StringMap keys;
-    processSectionToMap(productText, keys, {L"Package ID", L"Package Contents", L"Build Number"});
+    productKeys.read(productText, keys);
     m_failedProductName = get(keys, L"Package Contents") + L"; " + get(keys, L"Build Number");
 }
 

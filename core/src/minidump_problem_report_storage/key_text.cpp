@@ -1,6 +1,7 @@
 // Key text: the "Key: value" lines of a section. Portable code only.
 #include <norvane_1/string_traits.h>
 
+#include "key_text.h"
 #include "regex_text.h"
 
 #include <algorithm>
@@ -23,10 +24,10 @@ boost::wregex const& singleLineEndExpression() {
 
 // With known keys a value ends at an empty line or at a line that begins with
 // one of them. The keys go into the expression as they are, unescaped.
-boost::wregex multiLineEndExpression(std::vector<std::wstring> const& keys) {
+std::wstring multiLineEndExpression(std::vector<std::wstring> const& keys) {
     std::wstring expression = L"(\\r?\\n){2}";
     for (auto const& key : keys) expression += L"|[\\r\\n]+" + key + L":";
-    return boost::wregex(expression);
+    return expression;
 }
 
 std::wstring withoutLineBreaks(std::wstring value) {
@@ -77,16 +78,29 @@ std::wstring processMapToSection(StringMap const& map) {
 
 void processSectionToMap(std::wstring const& text, StringMap& out,
                          std::vector<std::wstring> const& multiLineKeys) {
+    internal::KnownKeys(multiLineKeys).read(text, out);
+}
+
+namespace internal {
+
+KnownKeys::KnownKeys(std::vector<std::wstring> const& keys)
+    : m_joinLines(!keys.empty()), m_valid(true) {
+    if (keys.empty()) return;
     try {
-        if (multiLineKeys.empty()) {
-            readKeyLines(text, out, singleLineEndExpression(), false);
-        } else {
-            readKeyLines(text, out, multiLineEndExpression(multiLineKeys), true);
-        }
+        m_valueEnd.assign(multiLineEndExpression(keys));
     } catch (boost::regex_error const&) {
-        // A malformed key in the list, or a match too complex to finish: the
-        // map keeps what was read so far.
+        m_valid = false;
     }
 }
 
+void KnownKeys::read(std::wstring const& text, StringMap& out) const {
+    if (!m_valid) return;
+    try {
+        readKeyLines(text, out, m_joinLines ? m_valueEnd : singleLineEndExpression(), m_joinLines);
+    } catch (boost::regex_error const&) {
+        // A match too complex to finish: the map keeps what was read so far.
+    }
+}
+
+}  // namespace internal
 }  // namespace norvane_1

@@ -6,6 +6,8 @@
 #include <norvane_1/problem_report_storage.h>
 #include <norvane_1/string_traits.h>
 
+#include "key_text.h"
+
 #include <iomanip>
 #include <sstream>
 
@@ -23,10 +25,10 @@ std::wstring moduleSectionName(std::size_t position) {
 
 // "Timestamp" stands twice, and "Checksum" is a key no writer puts in: such a
 // line still ends the value above it.
-std::vector<std::wstring> const& moduleKeys() {
-    static std::vector<std::wstring> const keys{L"Base",   L"Begin", L"End",  L"FullName",
-                                                L"SymbolName", L"Timestamp", L"Size", L"Guid",
-                                                L"Age",    L"Timestamp", L"Checksum"};
+internal::KnownKeys const& moduleKeys() {
+    static internal::KnownKeys const keys({L"Base", L"Begin", L"End", L"FullName", L"SymbolName",
+                                           L"Timestamp", L"Size", L"Guid", L"Age", L"Timestamp",
+                                           L"Checksum"});
     return keys;
 }
 
@@ -91,7 +93,7 @@ void ProblemReportStorage::parseModuleMap() {
         auto const section = m_sections.find(moduleSectionName(position));
         if (section == m_sections.end()) return;
         StringMap keys;
-        processSectionToMap(section->second, keys, moduleKeys());
+        moduleKeys().read(section->second, keys);
         ModuleInfo module;
         module.Age = stringToAddr(get(keys, L"Age"));
         module.Base = stringToAddr(get(keys, L"Base"));

@@ -7,6 +7,8 @@
 #include <norvane_1/problem_report_storage.h>
 #include <norvane_1/string_traits.h>
 
+#include "key_text.h"
+
 namespace norvane_1 {
 namespace {
 
@@ -120,9 +122,10 @@ void ProblemReportStorage::processStringToAssertion(std::wstring const& text) {
     if (text.empty()) return;
     StringMap keys;
     // The one problem section whose values may be wrapped over several lines.
-    processSectionToMap(text, keys,
-                        {L"Expression", L"File", L"Line", L"CrashedPID", L"CrashedTID", L"Product",
-                         L"ReportPath", L"ProcessBitness"});
+    static internal::KnownKeys const assertionKeys({L"Expression", L"File", L"Line", L"CrashedPID",
+                                                    L"CrashedTID", L"Product", L"ReportPath",
+                                                    L"ProcessBitness"});
+    assertionKeys.read(text, keys);
     m_assertion.expression = decodeString(get(keys, L"Expression"));
     m_assertion.file = decodeString(get(keys, L"File"));
     readDecimal(keys, L"Line", m_assertion.line);

@@ -51,7 +51,18 @@ std::wstring trimLineEnds(std::wstring const& text) {
     return text.substr(first, last - first + 1);
 }
 
-std::wstring trim(std::wstring const& text) { return boost::algorithm::trim_copy(text); }
+namespace {
+
+// Printable ASCII is never white space, whatever the locale.
+bool isPrintableAscii(wchar_t c) { return c > L' ' && c < 0x7F; }
+
+}  // namespace
+
+std::wstring trim(std::wstring const& text) {
+    // Most values have nothing to trim; that case needs no locale lookups.
+    if (text.empty() || (isPrintableAscii(text.front()) && isPrintableAscii(text.back()))) return text;
+    return boost::algorithm::trim_copy(text);
+}
 
 }  // namespace internal
 }  // namespace norvane_1

@@ -39,7 +39,7 @@ std::uint32_t frameKindFromString(std::wstring const& text) {
 
 std::wstring rawStackText(RawStack const& stack) {
     std::wstring text;
-    text.reserve(stack.size() * 38);
+    text.reserve(stack.size() * 39);  // "0x" + 16, ": ", "0x" + 16, LF
     for (auto const& slot : stack) {
         internal::appendAddress(text, slot.first);
         text += L": ";

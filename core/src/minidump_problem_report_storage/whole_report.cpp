@@ -25,6 +25,21 @@ void writeSection(std::wstring& out, std::wstring const& name, std::wstring cons
     out += L"\n\n";
 }
 
+bool hasFixedPlace(std::wstring const& name) {
+    if (name == kTrailingSection) return true;
+    for (wchar_t const* leading : kLeadingSections) {
+        if (name == leading) return true;
+    }
+    return false;
+}
+
+// An upper bound of the text's length, so that it is built without moves.
+std::size_t writtenSize(StringMap const& sections) {
+    std::size_t size = 0;
+    for (auto const& section : sections) size += section.first.size() + section.second.size() + 5;
+    return size;
+}
+
 }  // namespace
 
 std::wstring ProblemReportStorage::toString() {
@@ -44,19 +59,17 @@ std::wstring ProblemReportStorage::toString() {
     processContextsToString();
     processStacksToString();
 
-    StringMap remaining(m_sections);
     std::wstring text;
+    text.reserve(writtenSize(m_sections));
     for (wchar_t const* name : kLeadingSections) {
-        auto const section = remaining.find(name);
-        if (section == remaining.end()) continue;
-        writeSection(text, section->first, section->second);
-        remaining.erase(section);
+        auto const section = m_sections.find(name);
+        if (section != m_sections.end()) writeSection(text, section->first, section->second);
     }
-    for (auto const& section : remaining) {
-        if (section.first != kTrailingSection) writeSection(text, section.first, section.second);
+    for (auto const& section : m_sections) {
+        if (!hasFixedPlace(section.first)) writeSection(text, section.first, section.second);
     }
-    auto const last = remaining.find(kTrailingSection);
-    if (last != remaining.end()) writeSection(text, last->first, last->second);
+    auto const last = m_sections.find(kTrailingSection);
+    if (last != m_sections.end()) writeSection(text, last->first, last->second);
     return text;
 }
 
@@ -69,7 +82,7 @@ bool ProblemReportStorage::fromString(std::wstring const& text) {
     auto const end = m_reportText.cend();
     for (auto position = m_reportText.cbegin(); position != end;) {
         position = findNextSection(position, name, sectionText, m_reportText);
-        if (!name.empty()) m_sections[name] = sectionText;
+        if (!name.empty()) m_sections[name] = std::move(sectionText);
     }
     processStringToException(getSection(L"Exception"));
     processStringToAssertion(getSection(L"Assertion"));
