@@ -3,10 +3,11 @@ include(GoogleTest)
 
 # Test names carry the platform, so that a run over both builds tells them apart.
 if(WIN32)
-    set(NORVANE_TEST_PLATFORM windows)
+    set(default_platform windows)
 else()
-    set(NORVANE_TEST_PLATFORM linux)
+    set(default_platform linux)
 endif()
+set(NORVANE_TEST_PLATFORM ${default_platform} CACHE STRING "Prefix of the test names")
 
 # norvane_add_unit_test(<name> <source>...)
 #
