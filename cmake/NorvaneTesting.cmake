@@ -28,5 +28,5 @@ function(norvane_add_unit_test name)
         TEST_PREFIX "${NORVANE_TEST_PLATFORM}."
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 120
-        PROPERTIES LABELS "unit;${NORVANE_TEST_PLATFORM}")
+        PROPERTIES LABELS unit)
 endfunction()
