@@ -9,6 +9,7 @@ install(TARGETS norvane EXPORT norvaneTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY core/include/norvane_1 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY ${NORVANE_PLATFORM_INCLUDE_DIR}/norvane_1 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT norvaneTargets NAMESPACE norvane:: DESTINATION ${NORVANE_CMAKE_DIR})
 
 configure_package_config_file(cmake/norvaneConfig.cmake.in

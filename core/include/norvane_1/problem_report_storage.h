@@ -83,7 +83,20 @@ public:
     // out from "bin32"/"bin64" in the module paths when possible.
     int getProcBitness();
 
-    // Product.
+    // Contexts and stacks, one per thread: a second record for a thread
+    // that has one already is dropped.
+    void addContext(Context const& context, std::uint32_t threadId);
+    void addStack(RawStack const& stack, std::uint32_t threadId);
+    void addStack(CleanStack const& frames, std::uint32_t threadId);
+    void clearContexts();
+    void clearStacks();
+
+    // Product. detectProductInfo() reads "support.txt" in the directory above
+    // each module's, and falls back on the product-location service.
+    std::wstring detectProductInfo();
+    // Sets product info and failed product name where they are still empty;
+    // false if no product info could be found.
+    bool updateProductInfo();
     void setProductInfo(std::wstring const& text);
     std::wstring getProductInfo() const;
     // "Package Contents" and "; " and "Build Number" of a product text.

@@ -1,28 +1,9 @@
-// Data a report carries beyond the crash itself: the product, the premortal
-// log and the host's application properties. Portable code only.
+// Data a report carries beyond the crash itself: the premortal log and the
+// host's application properties. Portable code only.
 #include <norvane_1/problem_report_storage.h>
 #include <norvane_1/string_traits.h>
 
-#include "key_text.h"
-
-#include <vantix_2_18/strings.h>
-
 namespace norvane_1 {
-
-void ProblemReportStorage::setProductInfo(std::wstring const& text) {
-    std::wstring normalised(text);
-    VANTIX_2_18::strings::replace_all(normalised, L"\r\n", L"\n");
-    m_productInfo = normalised;
-}
-
-std::wstring ProblemReportStorage::getProductInfo() const { return m_productInfo; }
-
-void ProblemReportStorage::setFailedProductName(std::wstring const& productText) {
-    static internal::KnownKeys const productKeys({L"Package ID", L"Package Contents", L"Build Number"});
-    StringMap keys;
-    productKeys.read(productText, keys);
-    m_failedProductName = get(keys, L"Package Contents") + L"; " + get(keys, L"Build Number");
-}
 
 void ProblemReportStorage::addPremortalLog(std::vector<std::wstring> const& lines) {
     m_premortalLog.clear();

@@ -1,0 +1,160 @@
+// The crashed thread's path: dumpMiniDump. Portable code only; the platform
+// layer brings crashes here (the unhandled-exception filter and the software
+// exceptions for abort and pure calls on Windows, signal handlers on Linux).
+//
+// How the crashed thread and the worker divide the work
+// -----------------------------------------------------
+// A crashed thread is a bad place to work: its stack may be nearly used up,
+// the fault may have left locks held and data half-written, and on Linux it
+// runs inside a signal handler. So it does as little as it can, in a fixed
+// order, and hands everything else to the worker thread that HandlerState
+// started long before the crash, when the process was healthy:
+//
+//  - It first takes the hooks away (after stopping the upkeep thread, which
+//    would otherwise put them back within a second). From then on a second
+//    fault anywhere, the worker included, finds no filter of ours and ends
+//    the process the system's way instead of recursing into this path.
+//  - It copies the exception data into the state: the record and the
+//    register context live on the crashed thread's stack, which must stay
+//    untouched while the worker reads the copies.
+//  - It builds the first report (only the "Process" section) and sets both
+//    hand-over flags under the worker mutex, then sleeps on the condition
+//    with no time limit. The crashed thread stays parked, so its stack and
+//    registers stay as they were for anyone who looks at them from outside.
+//  - The worker fills DumpInfo and the register context, exports
+//    "crash_info.txt", starts the handler process and waits for it, stores
+//    its exit code and clears the flags. Waking, the crashed thread ends the
+//    process with exit code 3, or, if the handler said "not our exception"
+//    (exit code 6), returns so that the system's own handling goes on.
+//
+// Several threads may fault at once, before the hooks are off. The first one
+// to arrive owns the crash; any other parks here until the first has
+// decided, and then follows its decision: when the process ends, they end
+// with it, and when the crash is passed on, they pass theirs on too. A fault
+// of the owning thread inside this path, before its hooks are off, is passed
+// on at once. So there is always one report, and no thread waits for
+// itself.
+//
+// Ordinary work is still done here (allocation, wide streams, the creation
+// log, the logger): a crash that struck while its thread held the heap's or
+// the logger's lock can block this path. The design accepts that risk.
+#include <norvane_1/crash_handling.h>
+#include <norvane_1/handler_state.h>
+
+#include "crash_filter.h"
+#include "filter_upkeep.h"
+#include "logging/logging.h"
+#include "platform.h"
+#include "process_globals.h"
+
+#include <boost/thread.hpp>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+namespace norvane_1 {
+namespace {
+
+constexpr char kFilterLabel[] = "norvane_1::dumpMiniDump";
+constexpr int kNotOurException = 6;
+
+void record(wchar_t const* text) {
+    NORVANE_LOG_INFO(log::platformLogger(), text);
+    addCreationLogRecord(kFilterLabel, text, nullptr);
+}
+
+// The owner of the crash, and what it decided once it has.
+std::atomic<std::uint32_t> g_crashOwner{0};
+std::atomic<bool> g_crashPassedOn{false};
+
+enum class Arrival { owner, reentry, latecomer };
+
+Arrival arrive(std::uint32_t threadId) {
+    std::uint32_t expected = 0;
+    if (g_crashOwner.compare_exchange_strong(expected, threadId)) return Arrival::owner;
+    return expected == threadId ? Arrival::reentry : Arrival::latecomer;
+}
+
+// A later thread waits for the owner's decision; if the owner ends the
+// process, this never returns.
+long waitForOwner() {
+    while (!g_crashPassedOn) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    return kContinueSearch;
+}
+
+// A filter needs a worker to wake. The install step starts it; a direct
+// runExceptionHandler without it must not wait forever.
+void ensureWorker(HandlerState& state) {
+    boost::lock_guard<boost::mutex> guard(state.getMutex());
+    if (!state.isInitialized()) state.init();
+}
+
+}  // namespace
+
+long dumpMiniDump(ExceptionData* data) {
+    // 1. A process on its way out handles nothing.
+    if (g_processExiting) {
+        NORVANE_LOG_INFO(log::platformLogger(), L"Didn't process exception while exiting...");
+        return kContinueSearch;
+    }
+    std::uint32_t const threadId = platform::currentThreadId();
+    switch (arrive(threadId)) {
+        case Arrival::owner: break;
+        case Arrival::reentry: return kContinueSearch;
+        case Arrival::latecomer: return waitForOwner();
+    }
+
+    // 2.-4. Stop the upkeep thread first, or it would set the hooks again;
+    // then take them off.
+    NORVANE_LOG_INFO(log::platformLogger(), L"Started exception handling in crashed thread...");
+    stopFilterUpkeep();
+    platform::resetProcessHooks();
+
+    // 5. (The task service for the handler process starts here.)
+    // 6. No fault dialog of the system while the crash is handled.
+    platform::suppressFaultDialogs();
+
+    // 7. The host's GUI freeze guard goes first.
+    HandlerState* state = HandlerState::get();
+    state->useGFGCallback();
+    NORVANE_LOG_INFO(log::platformLogger(), L"Shutdown GUI Freeze Guard Service...");
+    ensureWorker(*state);
+
+    // 8.-13. Prepare the hand-over under the worker mutex.
+    state->getLock().lock();
+    ProblemReportStorage report;
+    addCreationLogRecord(kFilterLabel, L"Exception report initialized", nullptr);
+    report.setSection(L"Process", getProcessMemInfo(0));
+    record(L"Process section is set up in crash report");
+    state->setProblemReportStorage(report);
+    platform::saveExceptionData(*state, data, platform::currentProcessId(), threadId);
+    addCreationLogRecord(kFilterLabel, L"Set crash pid, tid", nullptr);
+
+    // 14.-16. Hand over to the worker.
+    state->setRunStatus(true);
+    state->setExitStatus(true);
+    state->getLock().unlock();
+    state->getCondition().notify_one();
+    record(L"Exception handling will now continue in worker thread...");
+
+    // 17.-18. Sleep until the worker has ended.
+    state->getLock().lock();
+    while (state->getExitStatus()) state->getCondition().wait(state->getLock());
+    state->getLock().unlock();
+    NORVANE_LOG_INFO(log::platformLogger(), L"Crash handler executed, terminate.");
+
+    // 19. (The task service stops here.)
+    // 20. The handler process found the exception not to be the product's.
+    if (state->getExitCode() == kNotOurException) {
+        NORVANE_LOG_INFO(log::platformLogger(), L"Not our exception.");
+        platform::restoreFaultDialogs();
+        g_crashPassedOn = true;
+        return kContinueSearch;
+    }
+    // 21. Every other outcome ends the process with exit code 3.
+    platform::endCrashedProcess();
+    return kExecuteHandler;
+}
+
+}  // namespace norvane_1

@@ -1,0 +1,127 @@
+// The upkeep thread that keeps the process hooks set, and the install,
+// remove and stop steps around it. Portable code only.
+//
+// The hooks are set anew every second rather than once, so that a host or a
+// third-party library that installs its own filter or signal handler later
+// loses it to ours within a second. The thread sleeps on a condition between
+// passes; a stop request wakes it at once.
+#include <norvane_1/exception_handler.h>
+#include <norvane_1/handler_state.h>
+
+#include "filter_upkeep.h"
+#include "platform.h"
+#include "process_globals.h"
+
+#include <gavrel2/environment.h>
+#include <gavrel2/shared_lib.h>
+#include <gavrel2/stdpaths.h>
+
+#include <boost/thread.hpp>
+
+
+namespace norvane_1 {
+namespace {
+
+constexpr long kUpkeepPeriodMilliseconds = 1000;
+constexpr wchar_t kAssertLibraryName[] = L"kelmur_norvane_assert_1.19";
+
+// A plain pointer: it is still read when the library leaves the process,
+// after static objects may have been destroyed.
+boost::thread* g_filterThread = nullptr;
+std::atomic<bool> g_filterThreadStop{false};
+boost::mutex g_filterMutex;
+boost::condition_variable_any g_filterCondition;
+gavrel2::shared_lib_t g_assertLibrary;
+
+class UpdateExceptionFilterThread {
+public:
+    explicit UpdateExceptionFilterThread(ExceptionHandler* handler) : m_exceptionHandler(handler) {}
+
+    void operator()() {
+        boost::unique_lock<boost::mutex> lock(g_filterMutex);
+        while (!g_filterThreadStop) {
+            g_exceptionHandler = m_exceptionHandler;
+            platform::setProcessHooks();
+            g_filterCondition.timed_wait(lock, boost::posix_time::milliseconds(kUpkeepPeriodMilliseconds));
+        }
+    }
+
+private:
+    ExceptionHandler* m_exceptionHandler;
+};
+
+using AssertionEntry = void (*)();
+
+void callAssertionEntry(wchar_t const* name) {
+    if (auto entry = reinterpret_cast<AssertionEntry>(g_assertLibrary.get_symbol(name))) entry();
+}
+
+// The product's assertion library is optional: missing file, missing entry
+// point, nothing is reported.
+void loadAssertionLibrary() {
+    if (g_assertLibrary) return;
+    g_assertLibrary.initialize(kAssertLibraryName, gavrel2::stdpaths::get_module_dir(&g_assertLibrary));
+    if (g_assertLibrary) callAssertionEntry(L"norvane_1_initializeAssertions");
+}
+
+void unloadAssertionLibrary() {
+    if (!g_assertLibrary) return;
+    callAssertionEntry(L"norvane_1_deinitializeAssertions");
+    g_assertLibrary.uninitialize();
+}
+
+}  // namespace
+
+bool exceptionHandlingDisabled() {
+    return !gavrel2::get_environ_value(L"NORVANE_DISABLE_EXCEPTION_HANDLER").empty();
+}
+
+void installCrashHandling(ExceptionHandler* handler) {
+    if (exceptionHandlingDisabled()) return;
+    HandlerState* state = HandlerState::get();
+    if (state != nullptr) {
+        boost::lock_guard<boost::mutex> guard(state->getMutex());
+        if (!state->isInitialized()) state->init();
+    }
+    g_exceptionHandler = handler;
+    platform::prepareInstallingThread();
+    if (g_filterThread == nullptr) g_filterThread = new boost::thread(UpdateExceptionFilterThread(handler));
+    loadAssertionLibrary();
+}
+
+void stopFilterUpkeep() {
+    if (g_filterThread == nullptr) return;
+    g_filterThreadStop = true;
+    if (g_filterThread->get_id() != boost::this_thread::get_id()) {
+        // Passing through the mutex means the thread is either asleep on the
+        // condition, and the notification reaches it, or has yet to test the
+        // flag: the stop takes effect at once, never a period later. At
+        // process exit the thread may have been ended holding the mutex, so
+        // the notification goes out bare then.
+        if (!g_processExiting) {
+            boost::lock_guard<boost::mutex> passThrough(g_filterMutex);
+        }
+        g_filterCondition.notify_one();
+        g_filterThread->join();
+    }
+    g_filterThread->detach();
+    delete g_filterThread;
+    g_filterThread = nullptr;
+    g_filterThreadStop = false;
+}
+
+void removeCrashHandling() {
+    if (exceptionHandlingDisabled()) return;
+    unloadAssertionLibrary();
+    stopFilterUpkeep();
+    platform::resetProcessHooks();
+    if (!HandlerState::isNull() && HandlerState::get()->isInitialized()) HandlerState::get()->release();
+}
+
+void detachFromProcess() {
+    g_processExiting = true;
+    stopFilterUpkeep();
+    platform::resetProcessHooks();
+}
+
+}  // namespace norvane_1

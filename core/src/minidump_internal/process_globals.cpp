@@ -1,0 +1,9 @@
+// Portable code only.
+#include "process_globals.h"
+
+namespace norvane_1 {
+
+std::atomic<bool> g_processExiting{false};
+std::atomic<ExceptionHandler*> g_exceptionHandler{nullptr};
+
+}  // namespace norvane_1

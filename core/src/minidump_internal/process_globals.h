@@ -1,0 +1,17 @@
+// Process-wide flags and pointers of crash handling. Portable code only.
+#pragma once
+
+#include <atomic>
+
+namespace norvane_1 {
+
+class ExceptionHandler;
+
+// Set when the library is unloaded from the process (process exit): the
+// filter then passes every exception on, and release() waits for nothing.
+extern std::atomic<bool> g_processExiting;
+// The handler in force, written by the install step and the upkeep thread,
+// read by the worker. Nothing clears it.
+extern std::atomic<ExceptionHandler*> g_exceptionHandler;
+
+}  // namespace norvane_1

@@ -1,0 +1,17 @@
+// Opening files by wide path for narrow (UTF-8) text. Portable interface;
+// text_files_windows.cpp and text_files_posix.cpp implement it.
+#pragma once
+
+#include <fstream>
+#include <string>
+
+namespace norvane_1 {
+namespace os_layer {
+
+// Opens `path` in `mode` (text mode unless `mode` says binary). The file is
+// shared with other readers and writers.
+void openTextFile(std::ofstream& stream, std::wstring const& path, std::ios::openmode mode);
+void openTextFile(std::ifstream& stream, std::wstring const& path, std::ios::openmode mode);
+
+}  // namespace os_layer
+}  // namespace norvane_1
