@@ -1,0 +1,73 @@
+// The process hooks on Windows. Windows code only.
+//
+// Three ways lead into the crash path: the unhandled-exception filter, and
+// two software exceptions of our own that turn abort (through SIGABRT) and a
+// pure-virtual call (through the run-time library's pure-call handler) into
+// exceptions that reach the same filter, told apart by their codes.
+#include "minidump_internal/crash_filter.h"
+#include "minidump_internal/exception_names.h"
+#include "minidump_internal/platform.h"
+
+#include <windows.h>
+
+#include <csignal>
+
+namespace norvane_1 {
+namespace {
+
+LONG WINAPI unhandledExceptionFilter(EXCEPTION_POINTERS* pointers) { return dumpMiniDump(pointers); }
+
+void raiseAbortException(int) { ::RaiseException(kAbortExceptionCode, 0, 0, nullptr); }
+
+void raisePureCallException() { ::RaiseException(kPureCallExceptionCode, 0, 0, nullptr); }
+
+// Not every msvcrt.dll has these two, so they are looked up rather than
+// imported: a missing one must not keep the library from loading.
+using AbortBehaviorSetter = unsigned int(__cdecl*)(unsigned int, unsigned int);
+using PureCallHandler = void(__cdecl*)();
+using PureCallHandlerSetter = PureCallHandler(__cdecl*)(PureCallHandler);
+
+template <typename Function>
+Function runtimeFunction(char const* name) {
+    HMODULE const runtime = ::GetModuleHandleW(L"msvcrt.dll");
+    return runtime ? reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(runtime, name))) : nullptr;
+}
+
+void setPureCallHandler(PureCallHandler handler) {
+    static auto const setter = runtimeFunction<PureCallHandlerSetter>("_set_purecall_handler");
+    if (setter) setter(handler);
+}
+
+// No abort message box and no fault report from the run-time library.
+void switchOffAbortReporting() {
+    static auto const setter = runtimeFunction<AbortBehaviorSetter>("_set_abort_behavior");
+    if (setter) setter(0, 3);
+}
+
+}  // namespace
+
+namespace platform {
+
+void setProcessHooks() {
+    ::SetUnhandledExceptionFilter(unhandledExceptionFilter);
+    switchOffAbortReporting();
+    std::signal(SIGABRT, raiseAbortException);
+    setPureCallHandler(raisePureCallException);
+}
+
+void resetProcessHooks() {
+    ::SetUnhandledExceptionFilter(nullptr);
+    ::SetErrorMode(0);
+    std::signal(SIGABRT, SIG_DFL);
+    setPureCallHandler(nullptr);
+}
+
+// Leaves room on the installing thread's stack for the filter after a stack
+// overflow.
+void prepareInstallingThread() {
+    ULONG guarantee = 64 * 1024;
+    ::SetThreadStackGuarantee(&guarantee);
+}
+
+}  // namespace platform
+}  // namespace norvane_1

@@ -1,0 +1,31 @@
+// Starting the handler process on Windows and waiting for it. Windows code only.
+//
+// _wspawnv joins the arguments into one command line without quoting them,
+// so the quoting is ours: the program's own name always between double
+// quotes, every other argument only where it holds a blank. Quotes inside an
+// argument are not escaped.
+#include "minidump_internal/platform.h"
+
+#include <process.h>
+
+namespace norvane_1 {
+namespace platform {
+namespace {
+
+std::wstring quotedIfBlank(std::wstring const& argument) {
+    return argument.find(L' ') == std::wstring::npos ? argument : L"\"" + argument + L"\"";
+}
+
+}  // namespace
+
+int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& arguments) {
+    std::vector<std::wstring> texts{L"\"" + program + L"\""};
+    for (auto const& argument : arguments) texts.push_back(quotedIfBlank(argument));
+    std::vector<wchar_t const*> argv;
+    for (auto const& text : texts) argv.push_back(text.c_str());
+    argv.push_back(nullptr);
+    return static_cast<int>(::_wspawnv(_P_WAIT, program.c_str(), argv.data()));
+}
+
+}  // namespace platform
+}  // namespace norvane_1
