@@ -1,0 +1,131 @@
+// The singleton state, its worker thread and the hand-over flags.
+#include <norvane_1/handler_state.h>
+
+#include "test_environment.h"
+
+#include <boost/thread.hpp>
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+namespace {
+
+using norvane_1::HandlerState;
+using norvane_test::ScopedVariable;
+
+// A state whose crash work only counts its calls.
+class CountingState : public HandlerState {
+public:
+    bool run() override {
+        ++runs;
+        return true;
+    }
+    std::int32_t collectMode() const { return m_collectMode; }
+    std::atomic<int> runs{0};
+};
+
+class HandlerStateTest : public ::testing::Test {
+protected:
+    norvane_test::ScratchDirectory logs{"state"};
+    ScopedVariable logDirectory{"NORVANE_LOG_DIR", logs.path().string()};
+
+    // Sets the flags as the crashed thread (or release) does, under the lock.
+    static void handOver(HandlerState& state, bool run, bool exit) {
+        state.getLock().lock();
+        if (run) state.setRunStatus(true);
+        if (exit) state.setExitStatus(true);
+        state.getLock().unlock();
+        state.getCondition().notify_one();
+    }
+
+    static void waitWhileRunStatus(HandlerState& state) {
+        state.getLock().lock();
+        while (state.getRunStatus()) state.getCondition().wait(state.getLock());
+        state.getLock().unlock();
+    }
+};
+
+TEST_F(HandlerStateTest, SingletonIsMadeOnceAndGoneAfterRelease) {
+    ASSERT_TRUE(HandlerState::isNull());
+    HandlerState* first = HandlerState::get();
+    ASSERT_NE(first, nullptr);
+    EXPECT_FALSE(HandlerState::isNull());
+    EXPECT_EQ(HandlerState::get(), first);
+    EXPECT_TRUE(first->init());
+    EXPECT_FALSE(first->init());  // one worker only
+    first->release();
+    EXPECT_TRUE(HandlerState::isNull());
+}
+
+TEST_F(HandlerStateTest, ReleaseWithoutInitDestroysTheState) {
+    HandlerState::get()->release();
+    EXPECT_TRUE(HandlerState::isNull());
+}
+
+TEST_F(HandlerStateTest, RunAloneDoesTheWorkAndTheWorkerWaitsOn) {
+    CountingState state;
+    ASSERT_TRUE(state.init());
+    handOver(state, true, false);
+    waitWhileRunStatus(state);
+    EXPECT_EQ(state.runs, 1);
+    handOver(state, true, false);  // the worker is still there for more
+    waitWhileRunStatus(state);
+    EXPECT_EQ(state.runs, 2);
+    handOver(state, false, true);
+    state.join();
+    EXPECT_FALSE(state.getExitStatus());
+}
+
+TEST_F(HandlerStateTest, ExitAloneEndsTheWorkerWithoutWork) {
+    CountingState state;
+    ASSERT_TRUE(state.init());
+    handOver(state, false, true);
+    state.join();
+    EXPECT_EQ(state.runs, 0);
+}
+
+TEST_F(HandlerStateTest, BothFlagsRunOnceThenEnd) {
+    CountingState state;
+    ASSERT_TRUE(state.init());
+    handOver(state, true, true);
+    // What the crashed thread does: wait for the exit flag to fall.
+    state.getLock().lock();
+    while (state.getExitStatus()) state.getCondition().wait(state.getLock());
+    EXPECT_FALSE(state.getRunStatus());
+    state.getLock().unlock();
+    state.join();
+    EXPECT_EQ(state.runs, 1);
+}
+
+TEST_F(HandlerStateTest, CollectModeComesFromTheEnvironment) {
+    struct { char const* outOfProcess; char const* inProcess; std::int32_t mode; } const cases[] = {
+        {"", "", 0}, {"1", "", 0}, {"", "1", 1}, {"1", "1", 0}, {"", "no", 1},
+    };
+    for (auto const& c : cases) {
+        ScopedVariable out("NORVANEMINIDUMP1_OUTOFPROCESS_COLLECT", c.outOfProcess);
+        ScopedVariable in("NORVANEMINIDUMP1_INPROCESS_COLLECT", c.inProcess);
+        EXPECT_EQ(CountingState().collectMode(), c.mode) << c.outOfProcess << "/" << c.inProcess;
+    }
+}
+
+TEST_F(HandlerStateTest, EmptyPropertyValueRemovesTheProperty) {
+    CountingState state;
+    state.addAppProperty(L"Theme", gavrel2::variant_t(L"dark"));
+    state.addAppProperty(L"Zoom", gavrel2::variant_t(2));
+    state.addAppProperty(L"Theme", gavrel2::variant_t());
+    state.addAppProperty(L"Missing", gavrel2::variant_t());
+    auto const properties = state.getAppPropertyMap();
+    ASSERT_EQ(properties.size(), 1u);
+    EXPECT_EQ(properties.at(L"Zoom").as_wstring(), L"2");
+}
+
+TEST_F(HandlerStateTest, ShutdownCallbackIsOptional) {
+    CountingState state;
+    EXPECT_FALSE(state.useGFGCallback());
+    state.setGFGSutdownCallback([] { return true; });
+    EXPECT_TRUE(state.useGFGCallback());
+    state.setGFGSutdownCallback(nullptr);
+    EXPECT_FALSE(state.useGFGCallback());
+}
+
+}  // namespace
