@@ -119,6 +119,9 @@ protected:
     // if the log directory can't be told.
     bool initInfoPaths();
     bool storeCrashInfo();
+    // The first 100 lines of the newest ".log" file of `directory` (null:
+    // the log directory).
+    std::vector<std::wstring> getPremortalWords(wchar_t const* directory);
 
     Context m_context;
     std::int32_t m_collectMode = 0;  // 1: the stack is collected in-process before the export

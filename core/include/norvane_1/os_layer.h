@@ -3,10 +3,49 @@
 
 #include <norvane_1/export.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace norvane_1 {
 namespace os_layer {
+
+// Called for each item of a directory walk with the item's full path. The
+// result is not looked at: a callback can't stop a walk.
+class NORVANE_API forEachDirItemCallback {
+public:
+    virtual ~forEachDirItemCallback();
+    virtual bool operator()(std::wstring const& path) = 0;
+};
+
+// Calls `callback` for every item directly in `directory` ("." and ".."
+// left out), in the system's order. False if the directory can't be listed,
+// or its path is shorter than two characters.
+NORVANE_API bool forEachDirItem(std::wstring const& directory, forEachDirItemCallback& callback);
+// Appends the full paths of the directory's items (or of its subdirectories).
+NORVANE_API bool enumDirContent(std::wstring const& directory, std::vector<std::wstring>& items);
+NORVANE_API bool enumDirs(std::wstring const& directory, std::vector<std::wstring>& items);
+// Removes what can be removed of the directory's tree, and then the directory.
+NORVANE_API void removeDirRecursively(std::wstring const& directory);
+// Removes the whole tree only when the directory holds the marker file
+// "norvane.tag"; false, and nothing removed, without it.
+NORVANE_API bool removeTaggedDirectory(std::wstring const& directory);
+NORVANE_API std::wstring getTagFileName();
+
+// The path with the platform's separator at its end ("\" on Windows, "/"
+// on Linux); an empty path stays empty.
+NORVANE_API std::wstring addTrailingSeparator(std::wstring const& path);
+NORVANE_API bool isDirectory(std::wstring const& path);
+// Seconds since 1970, or -1 if the path can't be examined. One trailing
+// separator is dropped first, so a directory may be named either way.
+NORVANE_API std::int64_t getFileModificationTime(std::wstring const& path);
+NORVANE_API bool deleteFile(std::wstring const& path);
+NORVANE_API bool removeDirectory(std::wstring const& path);
+// One level only; a directory that exists already counts as made.
+NORVANE_API bool createDirectory(wchar_t const* path);
+// A name for a new file in `directory`, not taken at the time of the call;
+// empty on failure.
+NORVANE_API std::wstring getTempFileName(std::wstring const& directory, std::wstring const& prefix);
 
 // Local time as "%Y-%m-%d-%H-%M-%S", "-" and the milliseconds without
 // leading zeros ("2016-03-01-10-22-31-5"); "time_stamp" if the time can't be

@@ -103,8 +103,15 @@ public:
     void setFailedProductName(std::wstring const& productText);
 
     // Appended data.
+    // Brings in the sections registered in "norvane_custom_sections.txt" of
+    // `directory` (null: the log directory), each from its file; false only
+    // when no directory is known.
+    bool appendCustomSections(wchar_t const* directory);
     void addPremortalLog(std::vector<std::wstring> const& lines);
     void setAppPropertyPool(AppPropertyPool const& pool);
+    // The "Virtual Memory Size" of the Process section in units of 10000K,
+    // rounded; false without crashed ids or that figure.
+    bool getVMemFootPrint(std::uint64_t& value);
 
     // The directory of the report's files, with its trailing separator. An
     // empty path is ignored; getReportPath() is null while none is set.

@@ -68,6 +68,9 @@ bool HandlerState::exportCrashInfo(DumpInfo const& info) {
     m_storage.setDumpValue(L"Path", info.dumpPath);
     record(L"Set crash dump info");
 
+    m_storage.addPremortalLog(getPremortalWords(nullptr));
+    record(L"Added premortal log");
+
     if (lockWithPatience(*m_propertyMutex)) {
         m_storage.setAppPropertyPool(m_appProperties);
         m_propertyMutex->unlock();

@@ -1,0 +1,66 @@
+// The premortal log: the first lines of the newest ".log" file.
+#include <norvane_1/handler_state.h>
+
+#include "sample_reports.h"
+#include "test_environment.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+using norvane_test::ScratchDirectory;
+
+class PremortalProbe : public norvane_1::HandlerState {
+public:
+    bool run() override { return true; }
+    using HandlerState::getPremortalWords;
+};
+
+void writeLog(fs::path const& file, int lines, bool finalLineEnd = true) {
+    std::ofstream out(file, std::ios::binary);
+    for (int i = 1; i <= lines; ++i) {
+        out << "line " << i;
+        if (i < lines || finalLineEnd) out << "\n";
+    }
+}
+
+std::vector<std::wstring> wordsOf(fs::path const& directory) {
+    return PremortalProbe().getPremortalWords(directory.wstring().c_str());
+}
+
+TEST(PremortalLog, FirstHundredLinesOfTheNewestLog) {
+    ScratchDirectory logs("premortal");
+    writeLog(logs.path() / "old.log", 3);
+    writeLog(logs.path() / "new.log", 150);
+    fs::last_write_time(logs.path() / "old.log", fs::file_time_type::clock::now() - std::chrono::hours(2));
+    auto const words = wordsOf(logs.path());
+    ASSERT_EQ(words.size(), 100u);
+    EXPECT_EQ(words.front(), L"line 1");
+    EXPECT_EQ(words.back(), L"line 100");
+}
+
+TEST(PremortalLog, OnlyExactlyLowerCaseLogFiles) {
+    ScratchDirectory logs("premortal-ext");
+    writeLog(logs.path() / "upper.LOG", 3);
+    writeLog(logs.path() / "notes.txt", 3);
+    EXPECT_TRUE(wordsOf(logs.path()).empty());
+}
+
+TEST(PremortalLog, ALastLineWithoutLineEndIsLeftOut) {
+    ScratchDirectory logs("premortal-tail");
+    writeLog(logs.path() / "app.log", 3, false);
+    EXPECT_EQ(wordsOf(logs.path()), (std::vector<std::wstring>{L"line 1", L"line 2"}));
+}
+
+TEST(PremortalLog, TextOutsideAsciiIsReadAsUtf8) {
+    ScratchDirectory logs("premortal-utf8");
+    std::ofstream(logs.path() / "app.log", std::ios::binary) << u8"ошибка 错误\n";
+    auto const words = wordsOf(logs.path());
+    ASSERT_EQ(words.size(), 1u);
+    EXPECT_EQ(words[0], norvane_test::fromUtf8(u8"ошибка 错误"));
+}
+
+}  // namespace

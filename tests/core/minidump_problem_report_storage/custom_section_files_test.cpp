@@ -1,0 +1,95 @@
+// Custom sections brought into a report, and the memory figure.
+#include <norvane_1/crash_handling.h>
+#include <norvane_1/problem_report_storage.h>
+
+#include "sample_reports.h"
+#include "test_environment.h"
+
+#include <boost/lexical_cast.hpp>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+using norvane_test::ScratchDirectory;
+
+void writeUtf8(fs::path const& file, std::string const& text) { std::ofstream(file, std::ios::binary) << text; }
+
+// Through UTF-8: a path's own wide form depends on the locale on Linux.
+std::wstring wide(fs::path const& path) { return norvane_test::fromUtf8(path.u8string()); }
+
+TEST(CustomSectionFiles, RegisteredFilesBecomeSections) {
+    ScratchDirectory logs("sections");
+    std::wstring const folder = logs.withSeparator();
+    writeUtf8(logs.path() / "device.txt", u8"GPU: 中文\nСлот: 2");
+    fs::path const unusual = logs.path() / fs::u8path(u8"путь 路径.txt");
+    writeUtf8(unusual, "second text");
+    norvane_1::addCrashReportCustomSection(L"Device Info", (logs.path() / "device.txt").wstring(), folder.c_str());
+    norvane_1::addCrashReportCustomSection(norvane_test::fromUtf8(u8"Раздел"), wide(unusual), folder.c_str());
+    norvane_1::addCrashReportCustomSection(L"Gone", (logs.path() / "missing.txt").wstring(), folder.c_str());
+
+    norvane_1::ProblemReportStorage report;
+    EXPECT_TRUE(report.appendCustomSections(logs.path().wstring().c_str()));
+    EXPECT_EQ(report.getSection(L"Device Info"), norvane_test::fromUtf8(u8"GPU: 中文\nСлот: 2"));
+    EXPECT_EQ(report.getSection(norvane_test::fromUtf8(u8"Раздел")), L"second text");
+    EXPECT_EQ(report.getSection(L"Gone"), L"");
+}
+
+TEST(CustomSectionFiles, HandWrittenListsArePairedAsTheyFall) {
+    ScratchDirectory logs("sections-odd");
+    writeUtf8(logs.path() / "a.txt", "first");
+    writeUtf8(logs.path() / "b.txt", "second");
+    std::string const a = (logs.path() / "a.txt").string();
+    std::string const b = (logs.path() / "b.txt").string();
+    // The same name twice (the later file wins), then a name without a path.
+    writeUtf8(logs.path() / "norvane_custom_sections.txt", "Same\n" + a + "\nSame\n" + b + "\nLonely\n");
+    norvane_1::ProblemReportStorage report;
+    EXPECT_TRUE(report.appendCustomSections(logs.withSeparator().c_str()));
+    EXPECT_EQ(report.getSection(L"Same"), L"second");
+    EXPECT_EQ(report.getSection(L"Lonely"), L"");
+}
+
+TEST(CustomSectionFiles, NoListIsNoError) {
+    ScratchDirectory logs("sections-none");
+    norvane_1::ProblemReportStorage report;
+    EXPECT_TRUE(report.appendCustomSections(logs.withSeparator().c_str()));
+}
+
+TEST(CustomSectionFiles, AProcessDumpTakesItsCreationLogAlong) {
+    ScratchDirectory logs("sections-dump");
+    writeUtf8(logs.path() / "norvane_creation_log.txt", "label : stamp : text\n");
+    writeUtf8(logs.path() / "norvane_custom_sections.txt", "");
+    norvane_1::ProblemReportStorage report;
+    report.setReportPath(logs.withSeparator());
+    norvane_1::ProcessDump dump;
+    dump.description = L"on demand";
+    report.setProcessDump(dump);
+    EXPECT_TRUE(report.appendCustomSections(logs.withSeparator().c_str()));
+    EXPECT_FALSE(fs::exists(logs.path() / "norvane_creation_log.txt"));
+}
+
+TEST(VirtualMemoryFootprint, RoundedToUnitsOfTenThousandKilobytes) {
+    struct { wchar_t const* value; bool known; std::uint64_t units; } const cases[] = {
+        {L"5000K", true, 1}, {L"4999K", true, 0}, {L"1234567K", true, 123}, {L"25000", true, 3}, {L"", false, 0},
+    };
+    for (auto const& c : cases) {
+        norvane_1::ProblemReportStorage report;
+        report.setCrashedPid(1);
+        report.setSection(L"Process", std::wstring(L"Process Name: x\nVirtual Memory Size: ") + c.value + L"\n");
+        std::uint64_t units = 99;
+        EXPECT_EQ(report.getVMemFootPrint(units), c.known) << std::wstring(c.value).size();
+        EXPECT_EQ(units, c.known ? c.units : 99u);
+    }
+    norvane_1::ProblemReportStorage noIds;
+    noIds.setSection(L"Process", L"Virtual Memory Size: 5000K\n");
+    std::uint64_t units = 0;
+    EXPECT_FALSE(noIds.getVMemFootPrint(units));
+    norvane_1::ProblemReportStorage notANumber;
+    notANumber.setCrashedTid(1);
+    notANumber.setSection(L"Process", L"Virtual Memory Size: lots\n");
+    EXPECT_THROW(notANumber.getVMemFootPrint(units), boost::bad_lexical_cast);
+}
+
+}  // namespace
