@@ -8,6 +8,8 @@ namespace norvane_test {
 class ReportProbe : public norvane_1::ProblemReportStorage {
 public:
     using ProblemReportStorage::findNextSection;
+    using ProblemReportStorage::getModulePath;
+    using ProblemReportStorage::removeModule;
     using ProblemReportStorage::getSection;
     using ProblemReportStorage::guidToString;
     using ProblemReportStorage::parseModuleMap;

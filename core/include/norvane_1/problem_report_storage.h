@@ -23,6 +23,7 @@
 #include <norvane_1/export.h>
 #include <norvane_1/report_records.h>
 
+#include <gavrel2/path.h>
 #include <gavrel2/variant.h>
 
 #include <cstdint>
@@ -91,6 +92,18 @@ public:
     void clearContexts();
     void clearStacks();
 
+    // The module list. Modules are kept by position, with two indexes: by
+    // Begin (each record) and by FullName (the record added last).
+    void clearModuleInfo();
+    // Prunes the list to the modules that a clean frame's address or a raw
+    // stack's return address lies in (Base up to End). False, and nothing
+    // pruned, when the report has no stacks.
+    bool SyncModuleMapWithStackMap();
+    bool findModule(std::uint64_t address, ModuleInfo& module) const;
+    bool findModule(std::wstring const& name, ModuleInfo& module) const;
+    // Names the exception's module after the module at its address.
+    void updateExceptionSection();
+
     // Product. detectProductInfo() reads "support.txt" in the directory above
     // each module's, and falls back on the product-location service.
     std::wstring detectProductInfo();
@@ -147,6 +160,10 @@ protected:
 
     // Application properties as key text.
     std::wstring processPropertiesToString() const;
+
+    bool removeModule(ModuleInfo const& module);
+    // The module whose Base..End (End included) holds the address; empty if none.
+    gavrel2::path_t getModulePath(std::uint64_t address) const;
 
 private:
     StringMap m_dumpValues;

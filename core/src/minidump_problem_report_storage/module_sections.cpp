@@ -7,6 +7,7 @@
 #include <norvane_1/string_traits.h>
 
 #include "key_text.h"
+#include "module_section_names.h"
 
 #include <iomanip>
 #include <sstream>
@@ -16,12 +17,6 @@ namespace {
 
 using string_traits::addrToString;
 using string_traits::stringToAddr;
-
-std::wstring moduleSectionName(std::size_t position) {
-    std::wostringstream name;
-    name << L"Module" << std::setfill(L'0') << std::setw(3) << position;
-    return name.str();
-}
 
 // "Timestamp" stands twice, and "Checksum" is a key no writer puts in: such a
 // line still ends the value above it.
@@ -33,6 +28,12 @@ internal::KnownKeys const& moduleKeys() {
 }
 
 }  // namespace
+
+std::wstring internal::moduleSectionName(std::size_t position) {
+    std::wostringstream name;
+    name << L"Module" << std::setfill(L'0') << std::setw(3) << position;
+    return name.str();
+}
 
 std::wstring ProblemReportStorage::guidToString(Guid const& guid) const {
     std::wostringstream text;
@@ -80,7 +81,7 @@ void ProblemReportStorage::processModuleMapToSections() {
         keys[L"Size"] = addrToString(module.Size);
         keys[L"SymbolName"] = string_traits::encodeString(module.SymbolName);
         keys[L"Timestamp"] = addrToString(module.Timestamp);
-        m_sections[moduleSectionName(position)] = processMapToSection(keys);
+        m_sections[internal::moduleSectionName(position)] = processMapToSection(keys);
     }
 }
 
@@ -90,7 +91,7 @@ void ProblemReportStorage::parseModuleMap() {
     m_moduleNameIndex.clear();
     if (m_sections.empty()) return;
     for (std::size_t position = 0;; ++position) {
-        auto const section = m_sections.find(moduleSectionName(position));
+        auto const section = m_sections.find(internal::moduleSectionName(position));
         if (section == m_sections.end()) return;
         StringMap keys;
         moduleKeys().read(section->second, keys);

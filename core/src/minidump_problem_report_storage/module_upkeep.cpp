@@ -1,0 +1,110 @@
+// Keeping the module list of a report: pruning it to the modules the stacks
+// pass through, and finding a module by address or name. Portable code only.
+#include <norvane_1/crash_handling.h>
+#include <norvane_1/problem_report_storage.h>
+
+#include "logging/logging.h"
+#include "module_section_names.h"
+
+#include <iterator>
+
+namespace norvane_1 {
+namespace {
+
+bool holds(ModuleInfo const& module, std::uint64_t address) { return address >= module.Base && address < module.End; }
+
+// Does any clean frame or raw return address lie in the module?
+bool stacksPassThrough(ModuleInfo const& module, CleanStackMap const& clean, RawStackMap const& raw) {
+    for (auto const& thread : clean) {
+        for (auto const& frame : thread.second) {
+            if (holds(module, frame.address)) return true;
+        }
+    }
+    for (auto const& thread : raw) {
+        for (auto const& slot : thread.second) {
+            if (holds(module, slot.second)) return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+void ProblemReportStorage::clearModuleInfo() {
+    for (std::size_t position = 0; position < m_moduleInfo.size(); ++position) {
+        m_sections.erase(internal::moduleSectionName(position));
+    }
+    m_moduleInfo.clear();
+    m_moduleAddressIndex.clear();
+    m_moduleNameIndex.clear();
+}
+
+bool ProblemReportStorage::SyncModuleMapWithStackMap() {
+    auto& logger = log::prsLogger();
+    NORVANE_LOG_INFO(logger, L"Sync-up module map with current stack map");
+    addCreationLogRecord("norvane_1::ProblemReportStorage::SyncModuleMapWithStackMap",
+                         L"Sync-up module map with current stack map", getReportPath());
+    if (m_stackFramesMap.empty() && m_stackMap.empty()) {
+        NORVANE_LOG_ERROR(logger, L"Empty stack maps, exit");
+        return false;
+    }
+    NORVANE_LOG_INFO(logger, L"Input module map size: " << m_moduleInfo.size());
+    for (std::size_t position = m_moduleInfo.size(); position > 0; --position) {
+        ModuleInfo const module = m_moduleInfo[position - 1];
+        if (!stacksPassThrough(module, m_stackFramesMap, m_stackMap)) removeModule(module);
+    }
+    NORVANE_LOG_INFO(logger, L"Output module map size: " << m_moduleInfo.size());
+    return true;
+}
+
+bool ProblemReportStorage::removeModule(ModuleInfo const& module) {
+    auto const byAddress = m_moduleAddressIndex.find(module.Begin);
+    if (byAddress == m_moduleAddressIndex.end()) return false;
+    auto const byName = m_moduleNameIndex.find(module.FullName);
+    if (byName == m_moduleNameIndex.end()) return false;
+    std::uint64_t const position = byName->second;
+    m_moduleAddressIndex.erase(byAddress);
+    m_moduleNameIndex.erase(byName);
+    m_moduleInfo.erase(m_moduleInfo.begin() + static_cast<std::ptrdiff_t>(position));
+    // The records behind the removed one move forward by one.
+    for (auto& entry : m_moduleAddressIndex) {
+        if (entry.second > position) --entry.second;
+    }
+    for (auto& entry : m_moduleNameIndex) {
+        if (entry.second > position) --entry.second;
+    }
+    m_sections.erase(internal::moduleSectionName(static_cast<std::size_t>(position)));
+    return true;
+}
+
+bool ProblemReportStorage::findModule(std::uint64_t address, ModuleInfo& module) const {
+    if (m_moduleInfo.empty()) return false;
+    auto above = m_moduleAddressIndex.upper_bound(address);
+    if (above == m_moduleAddressIndex.begin()) return false;
+    ModuleInfo const& candidate = m_moduleInfo[static_cast<std::size_t>(std::prev(above)->second)];
+    if (!holds(candidate, address)) return false;
+    module = candidate;
+    return true;
+}
+
+bool ProblemReportStorage::findModule(std::wstring const& name, ModuleInfo& module) const {
+    if (m_moduleInfo.empty()) return false;
+    auto const found = m_moduleNameIndex.find(name);
+    if (found == m_moduleNameIndex.end()) return false;
+    module = m_moduleInfo[static_cast<std::size_t>(found->second)];
+    return true;
+}
+
+gavrel2::path_t ProblemReportStorage::getModulePath(std::uint64_t address) const {
+    for (auto const& module : m_moduleInfo) {
+        if (module.Base <= address && module.End >= address) return gavrel2::path_t(module.FullName);
+    }
+    return gavrel2::path_t();
+}
+
+void ProblemReportStorage::updateExceptionSection() {
+    if (m_exception.address == 0) return;
+    m_exception.module = getModulePath(m_exception.address).get_leaf();
+}
+
+}  // namespace norvane_1

@@ -1,0 +1,141 @@
+// Pruning the module list to what the stacks pass through, and lookups.
+#include "report_probe.h"
+
+#include "test_environment.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using norvane_1::ModuleInfo;
+using norvane_test::ReportProbe;
+
+// A module path as the platform writes it, so that its leaf can be cut off.
+std::wstring modulePath(wchar_t const* file) {
+    bool const windows = std::filesystem::path::preferred_separator == '\\';
+    return std::wstring(windows ? L"C:\\x\\" : L"/x/") + file;
+}
+
+ModuleInfo module(std::wstring name, std::uint64_t base, std::uint64_t begin, std::uint64_t end) {
+    ModuleInfo m;
+    m.FullName = std::move(name);
+    m.Base = base;
+    m.Begin = begin;
+    m.End = end;
+    return m;
+}
+
+// A report whose module list and indexes come from its own text, as after a
+// read-back: a.dll 0x1000-0x2000, b.dll 0x3000 (code from 0x3800)-0x4000,
+// c.dll 0x5000-0x6000.
+void loadModules(ReportProbe& report) {
+    ReportProbe written;
+    written.getModuleInfo() = {module(modulePath(L"a.dll"), 0x1000, 0x1000, 0x2000),
+                               module(modulePath(L"b.dll"), 0x3000, 0x3800, 0x4000),
+                               module(modulePath(L"c.dll"), 0x5000, 0x5000, 0x6000)};
+    report.fromString(written.toString());
+}
+
+std::vector<std::wstring> namesOf(ReportProbe& report) {
+    std::vector<std::wstring> names;
+    for (auto const& m : report.getModuleInfo()) names.push_back(m.FullName);
+    return names;
+}
+
+class ModuleUpkeep : public ::testing::Test {
+protected:
+    norvane_test::ScratchDirectory logs{"module-upkeep"};
+    norvane_test::ScopedVariable logDirectory{"NORVANE_LOG_DIR", logs.path().string()};
+};
+
+TEST_F(ModuleUpkeep, PruningKeepsExactlyTheModulesTheStacksPassThrough) {
+    struct Case {
+        char const* what;
+        std::vector<std::uint64_t> cleanAddresses;
+        std::vector<std::uint64_t> rawValues;
+        std::vector<std::wstring> kept;
+    };
+    Case const cases[] = {
+        {"clean frame in a", {0x1800}, {}, {modulePath(L"a.dll")}},
+        {"raw value in c", {}, {0x5fff}, {modulePath(L"c.dll")}},
+        {"End itself keeps nothing", {0x2000}, {0x6000}, {}},
+        {"Base counts, not Begin", {0x3100}, {}, {modulePath(L"b.dll")}},
+        {"both kinds", {0x1000}, {0x3fff}, {modulePath(L"a.dll"), modulePath(L"b.dll")}},
+        {"between modules", {0x2800}, {0x4800}, {}},
+    };
+    for (auto const& c : cases) {
+        ReportProbe report;
+        loadModules(report);
+        for (auto address : c.cleanAddresses) {
+            norvane_1::StackFrame frame;
+            frame.address = address;
+            report.getStackFramesMap()[1].push_back(frame);
+        }
+        std::uint64_t slot = 0x100;
+        for (auto value : c.rawValues) report.getStackMap()[2][slot++] = value;
+        if (c.cleanAddresses.empty() && c.rawValues.empty()) continue;
+        EXPECT_TRUE(report.SyncModuleMapWithStackMap()) << c.what;
+        EXPECT_EQ(namesOf(report), c.kept) << c.what;
+        // What is left is still found by an address inside it and by its name.
+        for (auto const& kept : report.getModuleInfo()) {
+            ModuleInfo found;
+            EXPECT_TRUE(report.findModule(kept.Begin, found)) << c.what;
+            EXPECT_EQ(found, kept);
+            EXPECT_TRUE(report.findModule(kept.FullName, found)) << c.what;
+        }
+    }
+}
+
+TEST_F(ModuleUpkeep, WithoutStacksNothingIsPruned) {
+    ReportProbe report;
+    loadModules(report);
+    EXPECT_FALSE(report.SyncModuleMapWithStackMap());
+    EXPECT_EQ(report.getModuleInfo().size(), 3u);
+}
+
+TEST_F(ModuleUpkeep, LookupsByAddressAndName) {
+    ReportProbe report;
+    loadModules(report);
+    ModuleInfo found;
+    struct { std::uint64_t address; bool known; } const addresses[] = {
+        {0x0fff, false}, {0x1000, true}, {0x1fff, true}, {0x2000, false}, {0x2800, false},
+        {0x3900, true},  {0x3100, false},  // below b's Begin: the index has no key for it
+    };
+    for (auto const& a : addresses) EXPECT_EQ(report.findModule(a.address, found), a.known) << std::hex << a.address;
+    EXPECT_FALSE(report.findModule(modulePath(L"A.dll"), found));  // names compare exactly
+    // getModulePath counts End as inside, and starts from Base.
+    EXPECT_EQ(report.getModulePath(0x2000).as_string(), modulePath(L"a.dll"));
+    EXPECT_EQ(report.getModulePath(0x3100).as_string(), modulePath(L"b.dll"));
+    EXPECT_EQ(report.getModulePath(0x2800).as_string(), L"");
+}
+
+TEST_F(ModuleUpkeep, ExceptionModuleIsNamedByItsAddress) {
+    ReportProbe report;
+    loadModules(report);
+    norvane_1::Exception e;
+    e.description = L"X";
+    e.address = 0x5100;
+    e.module = L"old";
+    report.setException(e);
+    report.updateExceptionSection();
+    EXPECT_EQ(report.getException().module, L"c.dll");
+    e.address = 0x9000;
+    report.setException(e);
+    report.updateExceptionSection();
+    EXPECT_EQ(report.getException().module, L"");
+    e.address = 0;
+    e.module = L"kept";
+    report.setException(e);
+    report.updateExceptionSection();
+    EXPECT_EQ(report.getException().module, L"kept");
+}
+
+TEST_F(ModuleUpkeep, ClearingRemovesTheModuleSections) {
+    ReportProbe report;
+    loadModules(report);
+    report.clearModuleInfo();
+    EXPECT_TRUE(report.getModuleInfo().empty());
+    EXPECT_EQ(report.toString().find(L"[Module"), std::wstring::npos);
+}
+
+}  // namespace
