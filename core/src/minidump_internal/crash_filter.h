@@ -14,4 +14,10 @@ constexpr long kExecuteHandler = 1;
 // handler process says the exception isn't the product's.
 long dumpMiniDump(ExceptionData* data);
 
+// For a fault that comes while a crash is handled. A thread that serves the
+// crash (its owner, the worker) returns at once, so that its fault ends the
+// process the system's way; any other thread waits until the crash has been
+// decided, which is forever when the process is ended with exit code 3.
+void holdLateFault();
+
 }  // namespace norvane_1

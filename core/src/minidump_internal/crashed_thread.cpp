@@ -27,13 +27,14 @@
 //    process with exit code 3, or, if the handler said "not our exception"
 //    (exit code 6), returns so that the system's own handling goes on.
 //
-// Several threads may fault at once, before the hooks are off. The first one
-// to arrive owns the crash; any other parks here until the first has
-// decided, and then follows its decision: when the process ends, they end
-// with it, and when the crash is passed on, they pass theirs on too. A fault
-// of the owning thread inside this path, before its hooks are off, is passed
-// on at once. So there is always one report, and no thread waits for
-// itself.
+// Several threads may fault at once. The first one to arrive owns the
+// crash; any other is held until the first has decided, and then follows its
+// decision: when the process ends, they end with it, and when the crash is
+// passed on, they pass theirs on too. A thread that faults before the hooks
+// are off is held here; one that faults after it is held by the late-fault
+// hooks that stand in their place, which do nothing but hold. A fault of the
+// owning thread or of the worker is passed on at once: it ends the process
+// the system's way, with no further report, and no thread waits for itself.
 //
 // Ordinary work is still done here (allocation, wide streams, the creation
 // log, the logger): a crash that struck while its thread held the heap's or
@@ -76,11 +77,8 @@ Arrival arrive(std::uint32_t threadId) {
     return expected == threadId ? Arrival::reentry : Arrival::latecomer;
 }
 
-// A later thread waits for the owner's decision; if the owner ends the
-// process, this never returns.
-long waitForOwner() {
-    while (!g_crashPassedOn) std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    return kContinueSearch;
+bool servesTheCrash(std::uint32_t threadId) {
+    return threadId == g_crashOwner || (threadId != 0 && threadId == g_workerThreadId);
 }
 
 // A filter needs a worker to wake. The install step starts it; a direct
@@ -92,6 +90,11 @@ void ensureWorker(HandlerState& state) {
 
 }  // namespace
 
+void holdLateFault() {
+    if (servesTheCrash(platform::currentThreadId())) return;
+    while (!g_crashPassedOn) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+}
+
 long dumpMiniDump(ExceptionData* data) {
     // 1. A process on its way out handles nothing.
     if (g_processExiting) {
@@ -102,7 +105,7 @@ long dumpMiniDump(ExceptionData* data) {
     switch (arrive(threadId)) {
         case Arrival::owner: break;
         case Arrival::reentry: return kContinueSearch;
-        case Arrival::latecomer: return waitForOwner();
+        case Arrival::latecomer: holdLateFault(); return kContinueSearch;
     }
 
     // 2.-4. Stop the upkeep thread first, or it would set the hooks again;
@@ -110,6 +113,7 @@ long dumpMiniDump(ExceptionData* data) {
     NORVANE_LOG_INFO(log::platformLogger(), L"Started exception handling in crashed thread...");
     stopFilterUpkeep();
     platform::resetProcessHooks();
+    platform::setLateFaultHooks();
 
     // 5. (The task service for the handler process starts here.)
     // 6. No fault dialog of the system while the crash is handled.
@@ -150,6 +154,7 @@ long dumpMiniDump(ExceptionData* data) {
         NORVANE_LOG_INFO(log::platformLogger(), L"Not our exception.");
         platform::restoreFaultDialogs();
         g_crashPassedOn = true;
+        platform::resetProcessHooks();
         return kContinueSearch;
     }
     // 21. Every other outcome ends the process with exit code 3.

@@ -18,11 +18,16 @@
 
 #include <boost/thread.hpp>
 
+#include <chrono>
+#include <future>
+#include <memory>
+
 
 namespace norvane_1 {
 namespace {
 
 constexpr long kUpkeepPeriodMilliseconds = 1000;
+constexpr int kFirstPassWaitSeconds = 5;
 constexpr wchar_t kAssertLibraryName[] = L"kelmur_norvane_assert_1.19";
 
 // A plain pointer: it is still read when the library leaves the process,
@@ -33,22 +38,42 @@ boost::mutex g_filterMutex;
 boost::condition_variable_any g_filterCondition;
 gavrel2::shared_lib_t g_assertLibrary;
 
+// Tells the install step that the first pass has set the hooks.
+using FirstPass = std::shared_ptr<std::promise<void>>;
+
 class UpdateExceptionFilterThread {
 public:
-    explicit UpdateExceptionFilterThread(ExceptionHandler* handler) : m_exceptionHandler(handler) {}
+    UpdateExceptionFilterThread(ExceptionHandler* handler, FirstPass firstPass)
+        : m_exceptionHandler(handler), m_firstPass(std::move(firstPass)) {}
 
     void operator()() {
         boost::unique_lock<boost::mutex> lock(g_filterMutex);
         while (!g_filterThreadStop) {
             g_exceptionHandler = m_exceptionHandler;
             platform::setProcessHooks();
+            if (m_firstPass) {
+                m_firstPass->set_value();
+                m_firstPass.reset();
+            }
             g_filterCondition.timed_wait(lock, boost::posix_time::milliseconds(kUpkeepPeriodMilliseconds));
         }
     }
 
 private:
     ExceptionHandler* m_exceptionHandler;
+    FirstPass m_firstPass;
 };
+
+// The hooks are the upkeep thread's to set. The install step waits for its
+// first pass, so that a fault right after setUnhandledExceptionHandler has
+// returned finds them; a thread that doesn't come round is given a few
+// seconds, never forever.
+void startFilterUpkeep(ExceptionHandler* handler) {
+    auto firstPass = std::make_shared<std::promise<void>>();
+    std::future<void> hooksSet = firstPass->get_future();
+    g_filterThread = new boost::thread(UpdateExceptionFilterThread(handler, firstPass));
+    hooksSet.wait_for(std::chrono::seconds(kFirstPassWaitSeconds));
+}
 
 using AssertionEntry = void (*)();
 
@@ -85,7 +110,7 @@ void installCrashHandling(ExceptionHandler* handler) {
     }
     g_exceptionHandler = handler;
     platform::prepareInstallingThread();
-    if (g_filterThread == nullptr) g_filterThread = new boost::thread(UpdateExceptionFilterThread(handler));
+    if (g_filterThread == nullptr) startFilterUpkeep(handler);
     loadAssertionLibrary();
 }
 

@@ -11,6 +11,7 @@
 #include <norvane_1/crash_handling.h>
 #include <norvane_1/handler_state.h>
 
+#include "platform.h"
 #include "process_globals.h"
 
 #include <gavrel2/environment.h>
@@ -60,6 +61,7 @@ bool HandlerState::init() {
 }
 
 void HandlerState::operator()() {
+    g_workerThreadId = platform::currentThreadId();
     for (;;) {
         {
             boost::unique_lock<boost::mutex> lock(*m_workerMutex);

@@ -21,6 +21,10 @@ namespace platform {
 // idempotent.
 void setProcessHooks();
 void resetProcessHooks();
+// While a crash is handled, in place of the hooks: a later fault on another
+// thread is held by holdLateFault() and then goes to the system's default
+// handling. Removed by resetProcessHooks.
+void setLateFaultHooks();
 // Readies the calling thread (the one that installs crash handling) to run
 // the crash path even when its own stack is used up.
 void prepareInstallingThread();

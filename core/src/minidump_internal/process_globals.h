@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 
 namespace norvane_1 {
 
@@ -13,5 +14,7 @@ extern std::atomic<bool> g_processExiting;
 // The handler in force, written by the install step and the upkeep thread,
 // read by the worker. Nothing clears it.
 extern std::atomic<ExceptionHandler*> g_exceptionHandler;
+// The system's id of the worker thread, once it runs; 0 before.
+extern std::atomic<std::uint32_t> g_workerThreadId;
 
 }  // namespace norvane_1

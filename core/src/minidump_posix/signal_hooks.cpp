@@ -36,11 +36,19 @@ void onCrashSignal(int signalNumber, siginfo_t* info, void* context) {
     passOnToDefaultAction(signalNumber);
 }
 
-void setAction(int signalNumber, bool ours) {
+void onLateCrashSignal(int signalNumber, siginfo_t*, void*) {
+    holdLateFault();
+    passOnToDefaultAction(signalNumber);
+}
+
+using SignalAction = void (*)(int, siginfo_t*, void*);
+
+// A null action is the default action.
+void setAction(int signalNumber, SignalAction handler) {
     struct sigaction action{};
     sigemptyset(&action.sa_mask);
-    if (ours) {
-        action.sa_sigaction = onCrashSignal;
+    if (handler != nullptr) {
+        action.sa_sigaction = handler;
         action.sa_flags = SA_SIGINFO | SA_ONSTACK;
     } else {
         action.sa_handler = SIG_DFL;
@@ -53,11 +61,15 @@ void setAction(int signalNumber, bool ours) {
 namespace platform {
 
 void setProcessHooks() {
-    for (int signalNumber : kCrashSignals) setAction(signalNumber, true);
+    for (int signalNumber : kCrashSignals) setAction(signalNumber, onCrashSignal);
 }
 
 void resetProcessHooks() {
-    for (int signalNumber : kCrashSignals) setAction(signalNumber, false);
+    for (int signalNumber : kCrashSignals) setAction(signalNumber, nullptr);
+}
+
+void setLateFaultHooks() {
+    for (int signalNumber : kCrashSignals) setAction(signalNumber, onLateCrashSignal);
 }
 
 // A stack overflow leaves no stack to run the handler on; the installing

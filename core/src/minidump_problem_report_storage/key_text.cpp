@@ -12,13 +12,13 @@ namespace {
 // A key is a word character followed by word characters and blanks; group 2
 // is the white space between the colon and the value, line breaks included.
 boost::wregex const& keyExpression() {
-    static boost::wregex const expression(L"^([\\w][\\w ]*):([\\s\\r\\n]*)");
+    static boost::wregex const expression = internal::readerExpression(L"^([\\w][\\w ]*):([\\s\\r\\n]*)");
     return expression;
 }
 
 // Without known keys a value ends where a line begins with a word character.
 boost::wregex const& singleLineEndExpression() {
-    static boost::wregex const expression(L"\\r?\\n[\\w]");
+    static boost::wregex const expression = internal::readerExpression(L"\\r?\\n[\\w]");
     return expression;
 }
 
@@ -87,7 +87,7 @@ KnownKeys::KnownKeys(std::vector<std::wstring> const& keys)
     : m_joinLines(!keys.empty()), m_valid(true) {
     if (keys.empty()) return;
     try {
-        m_valueEnd.assign(multiLineEndExpression(keys));
+        internal::assignReaderExpression(m_valueEnd, multiLineEndExpression(keys));
     } catch (boost::regex_error const&) {
         m_valid = false;
     }

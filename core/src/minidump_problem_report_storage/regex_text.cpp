@@ -34,6 +34,19 @@ std::wstring replaceAllByRegex(std::wstring const& text, std::wstring const& exp
     }
 }
 
+void imbueReaderLocale(boost::wregex& expression);  // regex_locale_*.cpp
+
+void assignReaderExpression(boost::wregex& expression, std::wstring const& pattern) {
+    imbueReaderLocale(expression);
+    expression.assign(pattern);
+}
+
+boost::wregex readerExpression(std::wstring const& pattern) {
+    boost::wregex expression;
+    assignReaderExpression(expression, pattern);
+    return expression;
+}
+
 std::wstring encodeText(std::wstring const& text) {
     static boost::wregex const expression(kEncodeExpression);
     return replaceAllByRegex(text, expression, kEncodeFormat);

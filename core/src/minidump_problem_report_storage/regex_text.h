@@ -22,6 +22,12 @@ std::wstring replaceAllByRegex(std::wstring const& text, std::wstring const& exp
 std::wstring replaceAllByRegex(std::wstring const& text, boost::wregex const& expression,
                                std::wstring const& format);
 
+// An expression of the report reader. Its word characters are those of
+// Unicode on every platform, so that a section name outside ASCII is read
+// alike wherever the report was written (regex_locale_*.cpp).
+boost::wregex readerExpression(std::wstring const& pattern);
+void assignReaderExpression(boost::wregex& expression, std::wstring const& pattern);
+
 // The escaping of report values, with their expressions compiled once.
 std::wstring encodeText(std::wstring const& text);
 std::wstring decodeText(std::wstring const& text);

@@ -12,7 +12,7 @@ namespace {
 // "]". Group 2 is the line break behind the head, so a search from there can
 // find a head that follows directly.
 boost::wregex const& headExpression() {
-    static boost::wregex const expression(L"[\\n\\r]+[[]([\\w \\.]+)[]]([\\n\\r]+)");
+    static boost::wregex const expression = internal::readerExpression(L"[\\n\\r]+[[]([\\w \\.]+)[]]([\\n\\r]+)");
     return expression;
 }
 
@@ -81,7 +81,7 @@ std::wstring ProblemReportStorage::getSection(std::wstring const& name,
                                               std::wstring const& reportText) const {
     try {
         // The name goes into the expression unescaped.
-        boost::wregex const named(L"[\\n\\r][[][\\s]*" + name + L"[ \\s]*[]]");
+        boost::wregex const named = internal::readerExpression(L"[\\n\\r][[][\\s]*" + name + L"[ \\s]*[]]");
         internal::TextMatch head;
         if (!boost::regex_search(reportText.begin(), reportText.end(), head, named)) {
             return std::wstring();

@@ -21,6 +21,18 @@ void raiseAbortException(int) { ::RaiseException(kAbortExceptionCode, 0, 0, null
 
 void raisePureCallException() { ::RaiseException(kPureCallExceptionCode, 0, 0, nullptr); }
 
+LONG WINAPI lateFaultFilter(EXCEPTION_POINTERS*) {
+    holdLateFault();
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+// An abort while a crash is handled: held, then the run-time library's own
+// abort goes on.
+void lateAbort(int) {
+    holdLateFault();
+    std::signal(SIGABRT, SIG_DFL);
+}
+
 // Not every msvcrt.dll has these two, so they are looked up rather than
 // imported: a missing one must not keep the library from loading.
 using AbortBehaviorSetter = unsigned int(__cdecl*)(unsigned int, unsigned int);
@@ -60,6 +72,11 @@ void resetProcessHooks() {
     ::SetErrorMode(0);
     std::signal(SIGABRT, SIG_DFL);
     setPureCallHandler(nullptr);
+}
+
+void setLateFaultHooks() {
+    ::SetUnhandledExceptionFilter(lateFaultFilter);
+    std::signal(SIGABRT, lateAbort);
 }
 
 // Leaves room on the installing thread's stack for the filter after a stack

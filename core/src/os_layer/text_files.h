@@ -13,5 +13,11 @@ namespace os_layer {
 void openTextFile(std::ofstream& stream, std::wstring const& path, std::ios::openmode mode);
 void openTextFile(std::ifstream& stream, std::wstring const& path, std::ios::openmode mode);
 
+// Appends one line (UTF-8, without its line end) to the file, creating it if
+// need be, in a single write at the end of the file: lines of several
+// processes appending at once interleave whole, never torn or lost. The
+// platform's line end follows. False if the file can't be opened or written.
+bool appendLine(std::wstring const& path, std::string const& line);
+
 }  // namespace os_layer
 }  // namespace norvane_1

@@ -3,6 +3,9 @@
 
 #include <vantix_2_18/utf.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace norvane_1 {
 namespace os_layer {
 
@@ -12,6 +15,16 @@ void openTextFile(std::ofstream& stream, std::wstring const& path, std::ios::ope
 
 void openTextFile(std::ifstream& stream, std::wstring const& path, std::ios::openmode mode) {
     stream.open(VANTIX_2_18::utf::to_utf8(path), mode);
+}
+
+// O_APPEND makes each write land at the end of the file as one piece.
+bool appendLine(std::wstring const& path, std::string const& line) {
+    int const file = ::open(VANTIX_2_18::utf::to_utf8(path).c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    if (file < 0) return false;
+    std::string const record = line + "\n";
+    bool const written = ::write(file, record.data(), record.size()) == static_cast<ssize_t>(record.size());
+    ::close(file);
+    return written;
 }
 
 }  // namespace os_layer

@@ -1,5 +1,6 @@
 // Portable part of path_t.
 #include "gavrel2/path.h"
+#include "gavrel2/stdpaths.h"
 
 #include "platform.h"
 
@@ -89,6 +90,16 @@ std::wstring path_t::as_string(bool withTrailingSeparator) const {
         return m_text + detail::preferredSeparator();
     }
     return m_text;
+}
+
+bool create_directories(path_t const& directory) {
+    std::wstring const text = directory.as_string();
+    if (text.empty()) return false;
+    if (path_t::is_directory(text)) return true;
+    path_t const parent = directory.get_branch();
+    if (!parent.empty() && parent.as_string() != text) create_directories(parent);
+    detail::makeDirectory(text);
+    return path_t::is_directory(text);
 }
 
 }  // namespace gavrel2

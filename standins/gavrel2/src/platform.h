@@ -11,6 +11,8 @@ namespace detail {
 wchar_t preferredSeparator();
 bool isSeparator(wchar_t c);
 bool isAbsolute(std::wstring const& path);
+// One directory level; false if it wasn't made.
+bool makeDirectory(std::wstring const& path);
 // fopen of a wide path; null on failure.
 std::FILE* openFile(std::wstring const& path, char const* mode);
 

@@ -25,6 +25,10 @@ std::FILE* openFile(std::wstring const& path, char const* mode) {
     return std::fopen(VANTIX_2_18::utf::to_utf8(path).c_str(), mode);
 }
 
+bool makeDirectory(std::wstring const& path) {
+    return ::mkdir(VANTIX_2_18::utf::to_utf8(path).c_str(), 0777) == 0;
+}
+
 }  // namespace detail
 
 namespace {
@@ -89,13 +93,4 @@ path_t get_temp_dir() {
 
 }  // namespace stdpaths
 
-bool create_directories(path_t const& directory) {
-    std::wstring const text = directory.as_string();
-    if (text.empty()) return false;
-    if (path_t::is_directory(text)) return true;
-    path_t const parent = directory.get_branch();
-    if (!parent.empty() && parent.as_string() != text) create_directories(parent);
-    ::mkdir(VANTIX_2_18::utf::to_utf8(text).c_str(), 0777);
-    return path_t::is_directory(text);
-}
 }  // namespace gavrel2

@@ -27,6 +27,8 @@ std::FILE* openFile(std::wstring const& path, char const* mode) {
     return ::_wfopen(path.c_str(), wideMode.c_str());
 }
 
+bool makeDirectory(std::wstring const& path) { return ::CreateDirectoryW(path.c_str(), nullptr) != FALSE; }
+
 }  // namespace detail
 
 bool path_t::exists(std::wstring const& path) {
@@ -97,13 +99,4 @@ path_t get_temp_dir() {
 
 }  // namespace stdpaths
 
-bool create_directories(path_t const& directory) {
-    std::wstring const text = directory.as_string();
-    if (text.empty()) return false;
-    if (path_t::is_directory(text)) return true;
-    path_t const parent = directory.get_branch();
-    if (!parent.empty() && parent.as_string() != text) create_directories(parent);
-    ::CreateDirectoryW(text.c_str(), nullptr);
-    return path_t::is_directory(text);
-}
 }  // namespace gavrel2

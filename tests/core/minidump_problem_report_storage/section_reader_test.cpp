@@ -47,6 +47,8 @@ TEST(SectionReader, FindsHeadsThatStandOnLinesOfTheirOwn) {
         {"CR LF", L"\r\n[A]\r\nx\r\n\r\n[B]\r\ny\r\n", {{L"A", L"x"}, {L"B", L"y"}}},
         {"lone CR", L"\r[A]\rx\r[B]\ry", {{L"A", L"x"}, {L"B", L"y"}}},
         {"blanks stay", L"\n[A]\n  x  \n", {{L"A", L"  x  "}}},
+        {"names outside ASCII", L"\n[\x0416\x0443\x0440\x043d\x0430\x043b \x65e5\x5fd7]\nx",
+         {{L"\x0416\x0443\x0440\x043d\x0430\x043b \x65e5\x5fd7", L"x"}}},
         {"bracket line in free text cuts", L"\n[Log]\nline\n[Something]\nmore",
          {{L"Log", L"line"}, {L"Something", L"more"}}},
     };
