@@ -1,6 +1,10 @@
 #!/usr/bin/env bash
-# The demo: builds the library natively and shows a problem report made by
-# the library, written as text and read back.
+# The demo: builds the library natively, crashes the sample host on purpose
+# and shows what came of it: the reference handler's summary of the report
+# (printed by the handler itself, which reads the report back with the
+# library's reader and completes it) and the report file, with the host's
+# app properties, the head of its log, its custom sections and the creation
+# log of the crash path.
 #
 # Installs what a fresh Debian 12 machine lacks for a native build first.
 set -euo pipefail
@@ -12,11 +16,22 @@ source scripts/lib/common.sh
 NORVANE_LOG_TAG=demo
 
 scripts/setup/install-packages.sh native
-norvane_log "building the library (preset 'linux')"
+norvane_log "building the library, the sample host and the reference handler (preset 'linux')"
 cmake --preset linux >/dev/null
-cmake --build --preset linux --target report_roundtrip
+cmake --build --preset linux --target crash_host kelmur_feedback
 
-report="build/linux/demo/crash_info.txt"
-mkdir -p "$(dirname "$report")"
-build/linux/bin/report_roundtrip "$report"
-norvane_log "the report text is also in $report"
+logs="$root/build/linux/demo"
+rm -rf "$logs"
+mkdir -p "$logs"
+# The host's own log, whose first lines the report carries as PremortalLog.
+printf '%s\n' "$(date '+%F %T') INFO  demo host started" "$(date '+%F %T') INFO  about to crash" >"$logs/host.log"
+norvane_log "running: crash_host custom-sections (log directory $logs)"
+status=0
+# Settings from the caller's shell must not turn handling off or divert it.
+env -u NORVANE_DISABLE_EXCEPTION_HANDLER -u NORVANE_CRASH_HANDLER -u KELMUR_FEEDBACK_EXIT_CODE \
+    -u NORVANE1_NO_CREATION_LOG NORVANE_LOG_DIR="$logs" build/linux/bin/crash_host custom-sections || status=$?
+[[ $status -eq 3 ]] || norvane_die "crash_host ended with $status, not with the library's exit code 3"
+
+norvane_log "crash_host ended with exit code 3; the report it left, $logs/crash_info.txt:"
+cat "$logs/crash_info.txt"
+norvane_log "the report is in $logs/crash_info.txt"

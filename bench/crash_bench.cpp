@@ -1,0 +1,123 @@
+// crash_bench: how long crash handling takes, seen from outside the crashed
+// process. It runs the sample host (crash_host access-violation) a number of
+// times and prints the median, minimum and maximum of
+//
+//   fault -> report written    the host's fault to the last write of
+//                              crash_info.txt (the file's modification time)
+//   fault -> handler started   the host's fault to the start of the
+//                              handler's main() (its "started-us" record)
+//
+// Usage: crash_bench [runs]   (default 15)
+//
+// crash_host and kelmur-feedback are found beside this program. All three
+// times come from the system clock; the report's is as fine as the file
+// system keeps modification times.
+#include "child_process.h"
+#include "file_time.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kDefaultRuns = 15;
+constexpr std::chrono::seconds kHostTimeLimit{60};
+
+struct Sample {
+    double reportMs;
+    double handlerMs;
+};
+
+// The number behind `prefix` on the first line that starts with it.
+std::optional<std::int64_t> recordedMicroseconds(fs::path const& file, std::string const& prefix) {
+    std::ifstream in(file);
+    for (std::string line; std::getline(in, line);) {
+        if (line.rfind(prefix, 0) == 0) return std::stoll(line.substr(prefix.size()));
+    }
+    return std::nullopt;
+}
+
+norvane_test::ChildOptions hostOptions(fs::path const& directory) {
+    norvane_test::ChildOptions options;
+    options.program = norvane_test::programBesideThisOne("crash_host");
+    options.arguments = {"access-violation"};
+    options.standardOutput = directory / "output.txt";
+    options.environment = {
+        {"NORVANE_LOG_DIR", (directory / "log").u8string()},
+        {"KELMUR_FEEDBACK_RECORD", (directory / "handler.txt").u8string()},
+        {"CRASH_HOST_TIMESTAMP_FILE", (directory / "fault.txt").u8string()},
+        {"NORVANE_CRASH_HANDLER", std::nullopt},
+        {"NORVANE_DISABLE_EXCEPTION_HANDLER", std::nullopt},
+        {"NORVANE_LOG_CONFIG", std::nullopt},
+        {"KELMUR_FEEDBACK_EXIT_CODE", std::nullopt},
+    };
+    return options;
+}
+
+std::optional<Sample> runOnce(fs::path const& directory) {
+    fs::create_directories(directory);
+    norvane_test::ChildProcess host(hostOptions(directory));
+    norvane_test::ChildOutcome const outcome = host.wait(kHostTimeLimit);
+    if (!outcome.finished || outcome.exitCode != 3) {
+        std::cerr << "crash_bench: the host " << norvane_test::describe(outcome) << '\n';
+        return std::nullopt;
+    }
+    auto const fault = recordedMicroseconds(directory / "fault.txt", "fault-us: ");
+    auto const handler = recordedMicroseconds(directory / "handler.txt", "started-us: ");
+    auto const report = crash_bench::modifiedMicroseconds(directory / "log" / "crash_info.txt");
+    if (!fault || !handler || !report) {
+        std::cerr << "crash_bench: a time is missing in " << directory.u8string() << '\n';
+        return std::nullopt;
+    }
+    return Sample{(*report - *fault) / 1000.0, (*handler - *fault) / 1000.0};
+}
+
+void printFigures(char const* label, std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    std::size_t const middle = values.size() / 2;
+    double const median = values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+    std::printf("  %-26s %8.2f %8.2f %8.2f\n", label, median, values.front(), values.back());
+}
+
+fs::path scratchDirectory() {
+    auto const stamp = std::chrono::steady_clock::now().time_since_epoch().count();
+    return fs::temp_directory_path() / ("norvane-crash-bench-" + std::to_string(stamp));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    int const runs = argc > 1 ? std::atoi(argv[1]) : kDefaultRuns;
+    if (runs < 1) {
+        std::cerr << "usage: crash_bench [runs]\n";
+        return 2;
+    }
+    fs::path const scratch = scratchDirectory();
+    std::vector<double> reportTimes;
+    std::vector<double> handlerTimes;
+    for (int run = 0; run < runs; ++run) {
+        if (auto const sample = runOnce(scratch / std::to_string(run))) {
+            reportTimes.push_back(sample->reportMs);
+            handlerTimes.push_back(sample->handlerMs);
+        }
+    }
+    std::error_code ignored;
+    fs::remove_all(scratch, ignored);
+    if (reportTimes.empty()) return 1;
+
+    std::printf("crash_bench: %zu of %d runs of crash_host access-violation\n", reportTimes.size(), runs);
+    std::printf("  %-26s %8s %8s %8s\n", "milliseconds", "median", "min", "max");
+    printFigures("fault -> report written", reportTimes);
+    printFigures("fault -> handler started", handlerTimes);
+    return reportTimes.size() == static_cast<std::size_t>(runs) ? 0 : 1;
+}

@@ -1,0 +1,18 @@
+// Ways to crash that are the same on every platform. None of them returns.
+//
+// Each fault sits in a function of its own that the compiler may not inline
+// and reaches its target through a volatile, so that neither the optimiser
+// nor a sanitizer can turn it into something else (a trap instruction, an
+// early report of its own).
+#pragma once
+
+namespace crash_host {
+
+[[noreturn]] void accessViolation();
+[[noreturn]] void divideByZero();
+[[noreturn]] void callAbort();
+[[noreturn]] void pureVirtualCall();
+// Two threads wait for each other at a barrier, then both access address 0.
+[[noreturn]] void faultOnTwoThreads();
+
+}  // namespace crash_host

@@ -1,0 +1,29 @@
+// The parts of the crash host that differ by platform.
+// host_platform_posix.cpp and host_platform_windows.cpp implement them.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace crash_host {
+
+// The exit code of the host's own crash filter: seeing it means the host's
+// filter outlived the library's.
+constexpr int kHostFilterExitCode = 42;
+
+// An argument as wide text, decoded the way the platform encodes arguments.
+std::wstring wideArgument(char const* argument);
+
+// Captures this thread's registers, prints the instruction pointer, and
+// hands them to norvane_1::runExceptionHandler as a breakpoint exception
+// (SIGTRAP on Linux). Returns only if the crash was passed on.
+void runOwnExceptionHandler();
+
+// Installs the host's own crash filter (SIGSEGV handler on Linux) over the
+// library's. It prints a line and ends the process with kHostFilterExitCode.
+void replaceCrashFilter();
+
+// The number of threads the process has now.
+std::size_t countThreads();
+
+}  // namespace crash_host

@@ -1,0 +1,70 @@
+// POSIX code only.
+#include "host_platform.h"
+
+#include <norvane_1/norvane.h>
+
+#include <dirent.h>
+#include <signal.h>
+#include <ucontext.h>
+#include <unistd.h>
+
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace crash_host {
+namespace {
+
+void onHostSignal(int) {
+    char const text[] = "crash_host: the host's own SIGSEGV handler ran\n";
+    ::write(STDOUT_FILENO, text, sizeof text - 1);
+    ::_exit(kHostFilterExitCode);
+}
+
+}  // namespace
+
+// Arguments are in the encoding of the locale, which main() takes from the
+// environment.
+std::wstring wideArgument(char const* argument) {
+    std::size_t const length = std::mbstowcs(nullptr, argument, 0);
+    if (length == static_cast<std::size_t>(-1)) return std::wstring(argument, argument + std::strlen(argument));
+    std::wstring wide(length, L'\0');
+    std::mbstowcs(&wide[0], argument, length);
+    return wide;
+}
+
+void runOwnExceptionHandler() {
+    ucontext_t context;
+    ::getcontext(&context);
+    siginfo_t info;
+    std::memset(&info, 0, sizeof info);
+    info.si_signo = SIGTRAP;
+    info.si_code = TRAP_BRKPT;
+    std::printf("crash_host: captured instruction pointer 0x%016" PRIx64 "\n",
+                static_cast<std::uint64_t>(context.uc_mcontext.gregs[REG_RIP]));
+    std::fflush(stdout);
+    norvane_1::ExceptionData data{SIGTRAP, &info, &context};
+    norvane_1::runExceptionHandler(&data);
+}
+
+void replaceCrashFilter() {
+    struct sigaction action {};
+    action.sa_handler = onHostSignal;
+    sigemptyset(&action.sa_mask);
+    ::sigaction(SIGSEGV, &action, nullptr);
+}
+
+// Every thread has an entry in /proc/self/task.
+std::size_t countThreads() {
+    DIR* tasks = ::opendir("/proc/self/task");
+    if (tasks == nullptr) return 0;
+    std::size_t count = 0;
+    while (dirent const* entry = ::readdir(tasks)) {
+        if (entry->d_name[0] != '.') ++count;
+    }
+    ::closedir(tasks);
+    return count;
+}
+
+}  // namespace crash_host

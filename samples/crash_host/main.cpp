@@ -1,0 +1,173 @@
+// crash_host: a host program that installs crash handling the way a product
+// does, sets a few application properties, and then crashes on purpose.
+//
+// Usage: crash_host <kind> [--handler <path>]
+//
+//   access-violation       write to address 0
+//   divide-by-zero         integer division by zero
+//   abort                  call abort()
+//   pure-virtual           call a pure virtual function (ends in abort)
+//   run-exception-handler  hand captured registers to runExceptionHandler
+//   two-threads            two threads access address 0 at the same moment
+//   replace-filter         install the host's own crash filter over the
+//                          library's, wait 1.5 s, then access address 0
+//   reset-threads          print the thread count before install, after
+//                          install and after resetUnhandledExceptionHandler
+//   reset-and-abort        resetAndAbort(): handling off, then abort with no report
+//   custom-sections        register two custom sections (files written into
+//                          NORVANE_LOG_DIR), then access address 0
+//   creation-log-writer    write CRASH_HOST_RECORDS creation-log records
+//                          marked with CRASH_HOST_WRITER, without installing
+//   none                   install, then exit normally
+//
+// Without --handler the library starts its default handler, kelmur-feedback
+// beside this program. The environment variables of the library apply
+// (NORVANE_LOG_DIR, NORVANE_CRASH_HANDLER, ...); CRASH_HOST_TIMESTAMP_FILE
+// makes the host note the moment it faults (fault_stamp.h).
+//
+// Exit codes: 3 after a crash the library handled, 0 for none,
+// reset-threads and creation-log-writer, 2 for a wrong command line, 5 when
+// custom sections can't be registered, 4 when the library passed a
+// runExceptionHandler crash on, 42 when the host's own filter ran.
+#include "fault_stamp.h"
+#include "faults.h"
+#include "host_platform.h"
+#include "report_extras.h"
+
+#include <norvane_1/norvane.h>
+
+#include <chrono>
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <string>
+#include <thread>
+
+namespace {
+
+using namespace crash_host;
+
+constexpr int kUsageExitCode = 2;
+constexpr int kPassedOnExitCode = 4;
+constexpr int kNoCustomSectionsExitCode = 5;
+std::wstring g_handlerPath;  // empty: the library's default handler
+std::string g_kindName;
+
+void install() {
+    norvane_1::setUnhandledExceptionHandler(g_handlerPath.empty() ? nullptr : g_handlerPath.c_str());
+    norvane_1::setAppProperty(L"Host", gavrel2::variant_t(L"crash_host"));
+    norvane_1::setAppProperty(L"CrashKind", gavrel2::variant_t(wideArgument(g_kindName.c_str())));
+    norvane_1::setAppProperty(L"Answer", gavrel2::variant_t(42));
+}
+
+void say(char const* text) { std::cout << "crash_host: " << text << std::endl; }
+
+[[noreturn]] void fault(void (*how)()) {
+    stampFault();
+    how();
+    std::abort();  // every fault is [[noreturn]]; the pointer type can't say so
+}
+
+int runHandlerDirectly() {
+    stampFault();
+    runOwnExceptionHandler();
+    say("the library passed the crash on");
+    return kPassedOnExitCode;
+}
+
+[[noreturn]] void faultUnderReplacedFilter() {
+    replaceCrashFilter();
+    say("installed the host's own crash filter, waiting 1.5 s for the library to take over again");
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    say("accessing address 0");
+    fault(accessViolation);
+}
+
+// A thread that has been joined may still be listed for a moment while the
+// system finishes it; a thread left running would be listed for good.
+std::size_t settledThreadCount(std::size_t expected) {
+    std::size_t count = countThreads();
+    for (int attempt = 0; attempt < 100 && count > expected; ++attempt) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        count = countThreads();
+    }
+    return count;
+}
+
+int countThreadsAroundInstall() {
+    std::size_t const before = countThreads();
+    install();
+    std::size_t const installed = countThreads();
+    norvane_1::resetUnhandledExceptionHandler();
+    std::size_t const after = settledThreadCount(before);
+    std::cout << "threads before install: " << before << "\nthreads after install: " << installed
+              << "\nthreads after reset: " << after << std::endl;
+    return 0;
+}
+
+int faultWithCustomSections() {
+    if (!registerCustomSections()) {
+        say("can't register the custom sections: is NORVANE_LOG_DIR set?");
+        return kNoCustomSectionsExitCode;
+    }
+    fault(accessViolation);
+}
+
+int writeRecords() {
+    writeCreationLogRecords();
+    return 0;
+}
+
+struct Kind {
+    char const* name;
+    char const* announcement;
+    int (*run)();
+    bool installsItself;
+};
+
+Kind const kKinds[] = {
+    {"access-violation", "accessing address 0", []() -> int { fault(accessViolation); }, false},
+    {"divide-by-zero", "dividing by zero", []() -> int { fault(divideByZero); }, false},
+    {"abort", "calling abort()", []() -> int { fault(callAbort); }, false},
+    {"pure-virtual", "calling a pure virtual function", []() -> int { fault(pureVirtualCall); }, false},
+    {"run-exception-handler", "handing captured registers to runExceptionHandler", runHandlerDirectly, false},
+    {"two-threads", "accessing address 0 on two threads at once", []() -> int { fault(faultOnTwoThreads); }, false},
+    {"replace-filter", "replacing the library's crash filter", []() -> int { faultUnderReplacedFilter(); }, false},
+    {"reset-threads", "counting threads around install and reset", countThreadsAroundInstall, true},
+    {"reset-and-abort", "taking crash handling off and aborting", []() -> int { norvane_1::resetAndAbort(); return 0; },
+     false},
+    {"custom-sections", "registering two custom sections, then accessing address 0", faultWithCustomSections, false},
+    {"creation-log-writer", "writing creation-log records", writeRecords, true},
+    {"none", "exiting normally", []() -> int { return 0; }, false},
+};
+
+Kind const* findKind(std::string const& name) {
+    for (Kind const& kind : kKinds) {
+        if (name == kind.name) return &kind;
+    }
+    return nullptr;
+}
+
+int usage() {
+    std::cerr << "usage: crash_host <kind> [--handler <path>]\nkinds:";
+    for (Kind const& kind : kKinds) std::cerr << ' ' << kind.name;
+    std::cerr << std::endl;
+    return kUsageExitCode;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // Arguments are decoded in the locale's encoding (host_platform.h).
+    std::setlocale(LC_CTYPE, "");
+    if (argc != 2 && !(argc == 4 && std::strcmp(argv[2], "--handler") == 0)) return usage();
+    Kind const* kind = findKind(argv[1]);
+    if (kind == nullptr) return usage();
+    g_kindName = kind->name;
+    if (argc == 4) g_handlerPath = wideArgument(argv[3]);
+
+    if (!kind->installsItself) install();
+    say(kind->announcement);
+    return kind->run();
+}

@@ -1,0 +1,147 @@
+// How a crash ends when the handler declines it, is missing, or crash
+// handling is off; and what install and reset leave of the library's threads.
+#include "crash_run.h"
+#include "expectations.h"
+#include "platform_crash.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <regex>
+
+namespace {
+
+using crash_test::CrashRun;
+
+std::ptrdiff_t positionOf(std::vector<std::string> const& lines, std::string const& line) {
+    auto const found = std::find(lines.begin(), lines.end(), line);
+    return found == lines.end() ? -1 : found - lines.begin();
+}
+
+std::ptrdiff_t countOf(std::vector<std::string> const& lines, std::string const& line) {
+    return std::count(lines.begin(), lines.end(), line);
+}
+
+TEST(CrashOutcome, HandlerExit6PassesTheCrashToThePlatform) {
+    CrashRun run;
+    run.captureLibraryLog();
+    run.set("KELMUR_FEEDBACK_EXIT_CODE", std::string("6"));
+    norvane_test::ChildOutcome const outcome = run.run("access-violation");
+    EXPECT_TRUE(crash_test::endedByPlatformAccessViolation(outcome)) << norvane_test::describe(outcome);
+    EXPECT_TRUE(run.reportWritten());
+
+    std::vector<std::string> const log = run.libraryLog();
+    std::ptrdiff_t const executed = positionOf(log, "Crash handler executed, terminate.");
+    std::ptrdiff_t const notOurs = positionOf(log, "Not our exception.");
+    ASSERT_GE(executed, 0) << "the library's log lacks the handler's end";
+    EXPECT_GT(notOurs, executed) << "\"Not our exception.\" must follow the handler's end";
+}
+
+// resetAndAbort takes handling off first: the abort is the platform's, and
+// no report comes of it.
+TEST(CrashOutcome, ResetAndAbortLeavesNoReport) {
+    CrashRun run;
+    run.captureLibraryLog();
+    norvane_test::ChildOutcome const outcome = run.run("reset-and-abort");
+    EXPECT_TRUE(outcome.finished) << norvane_test::describe(outcome);
+    EXPECT_FALSE(run.reportWritten());
+    EXPECT_FALSE(run.handlerArguments().has_value());
+    EXPECT_EQ(countOf(run.libraryLog(), "Started exception handling in crashed thread..."), 0);
+}
+
+struct HandlerLookup {
+    char const* name;
+    bool handlerNamedAbsolutely;  // NORVANE_CRASH_HANDLER: the real handler's absolute path
+    char const* missingHandler;   // NORVANE_CRASH_HANDLER: this path in the scratch directory
+    bool emptyProgramDirectory;   // KELMUR_PRODUCT_BIN_DIR: an empty directory
+    bool handlerStarts;
+};
+
+// The case's name, which ctest shows in the test's name.
+void PrintTo(HandlerLookup const& test, std::ostream* out) { *out << test.name; }
+
+class HandlerLookups : public testing::TestWithParam<HandlerLookup> {};
+
+// Found or not, the report is written and the process ends with 3.
+TEST_P(HandlerLookups, DecideWhetherTheHandlerStarts) {
+    HandlerLookup const& lookup = GetParam();
+    CrashRun run;
+    if (lookup.handlerNamedAbsolutely) {
+        run.set("NORVANE_CRASH_HANDLER", norvane_test::programBesideThisOne("kelmur-feedback").u8string());
+    }
+    if (lookup.missingHandler) {
+        run.set("NORVANE_CRASH_HANDLER", (run.scratch() / lookup.missingHandler).u8string());
+    }
+    if (lookup.emptyProgramDirectory) {
+        std::filesystem::path const empty = run.scratch() / "empty bin";
+        std::filesystem::create_directories(empty);
+        run.set("KELMUR_PRODUCT_BIN_DIR", empty.u8string());
+    }
+    EXPECT_TRUE(crash_test::handledByLibrary(run.run("access-violation")));
+    EXPECT_TRUE(run.reportWritten());
+    EXPECT_EQ(run.handlerArguments().has_value(), lookup.handlerStarts);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CrashOutcome, HandlerLookups,
+    testing::Values(HandlerLookup{"variableWinsOverProgramDirectory", true, nullptr, true, true},
+                    HandlerLookup{"variableNamesMissingFile", false, "no such handler", false, false},
+                    HandlerLookup{"programDirectoryWithoutHandler", false, nullptr, true, false}));
+
+TEST(CrashOutcome, DisabledHandlingLeavesTheCrashToThePlatform) {
+    CrashRun run;
+    run.set("NORVANE_DISABLE_EXCEPTION_HANDLER", std::string("1"));
+    // The sanitizer build's own SEGV handler would otherwise take the crash.
+    run.set("ASAN_OPTIONS", std::string("handle_segv=0"));
+    norvane_test::ChildOutcome const outcome = run.run("access-violation");
+    EXPECT_TRUE(crash_test::endedByPlatformAccessViolation(outcome)) << norvane_test::describe(outcome);
+    EXPECT_FALSE(run.reportWritten());
+    EXPECT_FALSE(run.handlerArguments());
+}
+
+// The first thread to arrive owns the crash; the second waits for it.
+TEST(CrashOutcome, TwoThreadsFaultingAtOnceNeverHangAndHaveOneOwner) {
+    CrashRun run;
+    run.captureLibraryLog();
+    norvane_test::ChildOutcome const outcome = run.run("two-threads");
+    ASSERT_TRUE(outcome.finished) << "the host hung";
+    EXPECT_EQ(countOf(run.libraryLog(), "Started exception handling in crashed thread..."), 1);
+}
+
+// A second thread's fault may be delivered before the owner has taken the
+// hooks off, or after (it was preempted on the way): either way it is held
+// until the owner has decided, and the process ends with one report.
+TEST(CrashOutcome, TwoThreadsFaultingAtOnceEndWithExitCode3AndOneReport) {
+    for (int attempt = 0; attempt < 30; ++attempt) {
+        CrashRun run;
+        run.captureLibraryLog();
+        ASSERT_TRUE(crash_test::handledByLibrary(run.run("two-threads"))) << "attempt " << attempt;
+        EXPECT_TRUE(run.reportWritten());
+        EXPECT_EQ(countOf(run.libraryLog(), "Worker thread took over..."), 1);
+    }
+}
+
+TEST(CrashOutcome, ResetLeavesNoThreadOfTheLibrary) {
+    CrashRun run;
+    norvane_test::ChildOutcome const outcome = run.run("reset-threads");
+    ASSERT_TRUE(outcome.finished && outcome.exited && outcome.exitCode == 0) << norvane_test::describe(outcome);
+    std::string const output = run.hostOutput();
+    std::smatch counts;
+    ASSERT_TRUE(std::regex_search(output, counts,
+                                  std::regex("before install: (\\d+)\\s+threads after install: (\\d+)\\s+"
+                                             "threads after reset: (\\d+)")))
+        << output;
+    EXPECT_GT(std::stoi(counts[2]), std::stoi(counts[1])) << "install started no thread: the count is wrong";
+    EXPECT_EQ(counts[3], counts[1]);
+}
+
+// setUnhandledExceptionHandler returns once the upkeep thread has set the
+// hooks, so a fault at once is already ours.
+TEST(CrashOutcome, FaultRightAfterInstallIsHandled) {
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        CrashRun run;
+        ASSERT_TRUE(crash_test::handledByLibrary(run.run("access-violation"))) << "attempt " << attempt;
+    }
+}
+
+}  // namespace

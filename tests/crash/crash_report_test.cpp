@@ -1,0 +1,94 @@
+// Every way the sample host can crash ends the same way: exit code 3, a
+// complete crash_info.txt, and the handler started with the fixed command
+// line.
+#include "crash_run.h"
+#include "expectations.h"
+#include "platform_crash.h"
+
+#include <norvane_1/string_traits.h>
+
+#include <gtest/gtest.h>
+
+#include <regex>
+
+namespace {
+
+using crash_test::CrashRun;
+using crash_test::wide;
+
+struct CrashKind {
+    char const* kind;
+    std::uint64_t code;
+    wchar_t const* description;
+};
+
+// The case's name, which ctest shows in the test's name.
+void PrintTo(CrashKind const& test, std::ostream* out) { *out << test.kind; }
+
+class EachCrashKind : public testing::TestWithParam<CrashKind> {};
+
+void expectProcessSection(norvane_1::ProblemReportStorage& report) {
+    norvane_1::StringMap const keys = crash_test::sectionKeys(report, L"Process");
+    std::wregex const kilobytes(L"[0-9]+K");
+    EXPECT_EQ(norvane_1::get(keys, L"Process Name"), wide(std::string(crash_test::kHostProcessName)));
+    EXPECT_TRUE(std::regex_match(norvane_1::get(keys, L"Virtual Memory Size"), kilobytes));
+    EXPECT_TRUE(std::regex_match(norvane_1::get(keys, L"Working Set Size"), kilobytes));
+}
+
+TEST_P(EachCrashKind, EndsWithExitCode3AndACompleteReport) {
+    CrashRun run;
+    ASSERT_TRUE(crash_test::handledByLibrary(run.run(GetParam().kind))) << run.hostOutput();
+    ASSERT_TRUE(run.reportWritten());
+    norvane_1::ProblemReportStorage report = run.readReport();
+
+    EXPECT_EQ(report.getException().code, GetParam().code);
+    EXPECT_EQ(report.getException().description, GetParam().description);
+    EXPECT_EQ(report.getCrashedPid(), run.hostPid());
+    std::uint32_t const threadId = report.getCrashedTid();
+    ASSERT_NE(threadId, 0u);
+    ASSERT_EQ(report.getContextMap().count(threadId), 1u) << "no context of the crashed thread";
+    crash_test::expectAllRegisters(report, threadId);
+    EXPECT_NE(report.getException().address, 0u);
+    EXPECT_EQ(report.getException().address, report.getContextMap()[threadId].EIP);
+
+    expectProcessSection(report);
+    EXPECT_EQ(report.getDumpValue(L"Path"), wide(run.logDirectory() / "crash.dmp"));
+    EXPECT_EQ(norvane_1::get(crash_test::sectionKeys(report, L"ClientInfo"), L"CrashKind"),
+              wide(std::string(GetParam().kind)));
+    EXPECT_EQ(run.handlerArguments(), crash_test::fixedHandlerArguments(run.logDirectory(), run.hostPid()));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CrashHost, EachCrashKind,
+    testing::Values(CrashKind{"access-violation", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
+                    CrashKind{"divide-by-zero", 0xC0000094, L"EXCEPTION_INT_DIVIDE_BY_ZERO"},
+                    CrashKind{"abort", 0x412, L"ABORT_CALL"},
+                    // The C++ run-time on both platforms ends a pure call in abort.
+                    CrashKind{"pure-virtual", 0x412, L"ABORT_CALL"},
+                    CrashKind{"run-exception-handler", 0x80000003, L"EXCEPTION_BREAKPOINT"},
+                    // Ours must be back within the 1.5 s the host waits.
+                    CrashKind{"replace-filter", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"}));
+
+// The registers handed to runExceptionHandler are the ones reported, not
+// some taken on the way.
+TEST(CrashHost, RunExceptionHandlerReportsTheGivenRegisters) {
+    CrashRun run;
+    ASSERT_TRUE(crash_test::handledByLibrary(run.run("run-exception-handler")));
+    std::smatch captured;
+    std::string const output = run.hostOutput();
+    ASSERT_TRUE(std::regex_search(output, captured, std::regex("captured instruction pointer (0x[0-9a-f]{16})")))
+        << output;
+    EXPECT_EQ(norvane_1::string_traits::addrToString(run.readReport().getException().address),
+              wide(captured[1].str()));
+}
+
+// The handler reads the report the library wrote and tells what it found.
+TEST(CrashHost, HandlerSummarisesTheReport) {
+    CrashRun run;
+    ASSERT_TRUE(crash_test::handledByLibrary(run.run("access-violation")));
+    std::string const output = run.hostOutput();
+    EXPECT_NE(output.find("exception: EXCEPTION_ACCESS_VIOLATION (code 0xC0000005)"), std::string::npos) << output;
+    EXPECT_NE(output.find("(pid " + std::to_string(run.hostPid()) + ","), std::string::npos) << output;
+}
+
+}  // namespace

@@ -1,0 +1,60 @@
+// One run of the sample host crash_host in a scratch directory of its own,
+// and what the run left behind: the report, the handler's invocation record,
+// the library's log and the host's output.
+//
+// The log directory has a blank in its path, so that every run also shows
+// that paths reach the handler as one argument each. Variables of the
+// library that the test's own environment may hold are removed for the host
+// unless the test sets them.
+#pragma once
+
+#include "child_process.h"
+#include "test_environment.h"
+
+#include <norvane_1/problem_report_storage.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace crash_test {
+
+class CrashRun {
+public:
+    CrashRun();
+
+    // A variable for the host; no value removes it.
+    void set(std::string const& name, std::optional<std::string> const& value);
+    // Lets the library log its lines (log4cplus, through NORVANE_LOG_CONFIG).
+    void captureLibraryLog();
+
+    // Starts crash_host with `kind` and waits for its end, at most 60 s.
+    norvane_test::ChildOutcome run(std::string const& kind);
+    std::uint32_t hostPid() const { return m_hostPid; }
+
+    std::filesystem::path const& scratch() const { return m_scratch.path(); }
+    std::filesystem::path const& logDirectory() const { return m_logDirectory; }
+    // A file of the log directory, as text (UTF-8).
+    std::string logFile(char const* name) const;
+
+    bool reportWritten() const;
+    // crash_info.txt, read with the library's reader.
+    norvane_1::ProblemReportStorage readReport() const;
+    // The arguments the handler recorded; nothing if it never started.
+    std::optional<std::vector<std::string>> handlerArguments() const;
+    std::vector<std::string> libraryLog() const;
+    std::string hostOutput() const;
+
+private:
+    norvane_test::ScratchDirectory m_scratch;
+    std::filesystem::path m_logDirectory;
+    std::map<std::string, std::optional<std::string>> m_environment;
+    std::uint32_t m_hostPid = 0;
+};
+
+// The lines of a text file; none if it can't be read. CR LF counts as LF.
+std::vector<std::string> readLines(std::filesystem::path const& file);
+
+}  // namespace crash_test

@@ -1,0 +1,85 @@
+// The handler's command line beyond the fixed part: the relayed pairs and
+// the stack process id of the two collect modes.
+#include "crash_run.h"
+#include "expectations.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+
+namespace {
+
+using crash_test::CrashRun;
+using Arguments = std::vector<std::string>;
+
+constexpr char kPort[] = "NORVANE_CRASH_HANDLER_TCP_PORT";
+constexpr char kClientCertificate[] = "NORVANE_CRASH_HANDLER_CLIENT_CERTIFICATE_PATH";
+constexpr char kClientKey[] = "NORVANE_CRASH_HANDLER_CLIENT_CERTIFICATE_KEY_PATH";
+constexpr char kServerCertificate[] = "NORVANE_CRASH_HANDLER_SERVER_CERTIFICATE_PATH";
+
+struct RelayCase {
+    char const* name;
+    std::vector<std::pair<char const*, char const*>> variables;
+    Arguments expectedTail;
+};
+
+// The case's name, which ctest shows in the test's name.
+void PrintTo(RelayCase const& test, std::ostream* out) { *out << test.name; }
+
+class RelayedPairs : public testing::TestWithParam<RelayCase> {};
+
+TEST_P(RelayedPairs, FollowTheFixedPartInTheirOrder) {
+    CrashRun run;
+    for (auto const& variable : GetParam().variables) run.set(variable.first, std::string(variable.second));
+    ASSERT_TRUE(crash_test::handledByLibrary(run.run("access-violation")));
+    Arguments expected = crash_test::fixedHandlerArguments(run.logDirectory(), run.hostPid());
+    expected.insert(expected.end(), GetParam().expectedTail.begin(), GetParam().expectedTail.end());
+    EXPECT_EQ(run.handlerArguments(), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CrashHost, RelayedPairs,
+    testing::Values(
+        RelayCase{"setButEmpty", {{kPort, ""}, {kClientCertificate, ""}, {kClientKey, ""}, {kServerCertificate, ""}}, {}},
+        RelayCase{"portAlone", {{kPort, "4711"}}, {"-tcp-port", "4711"}},
+        RelayCase{"valueWithBlank",
+                  {{kServerCertificate, "my certs/server.pem"}},
+                  {"-server-certificate", "my certs/server.pem"}},
+        RelayCase{"clientPairAndEmptyPort",
+                  {{kPort, ""}, {kClientKey, "client.key"}, {kClientCertificate, "client.pem"}},
+                  {"-client-certificate", "client.pem", "-client-certificate-key", "client.key"}},
+        RelayCase{"allFour",
+                  {{kServerCertificate, "server.pem"}, {kClientKey, "client.key"}, {kClientCertificate, "client.pem"},
+                   {kPort, "4711"}},
+                  {"-tcp-port", "4711", "-client-certificate", "client.pem", "-client-certificate-key", "client.key",
+                   "-server-certificate", "server.pem"}}));
+
+struct CollectCase {
+    char const* name;
+    bool inProcess;
+    bool outOfProcess;
+    bool stackInReport;  // -minidump-stack 0
+};
+
+void PrintTo(CollectCase const& test, std::ostream* out) { *out << test.name; }
+
+class CollectModes : public testing::TestWithParam<CollectCase> {};
+
+// In-process collection alone puts the stack into the report, so the
+// handler gets 0 instead of a process to read; the report keeps the real pid.
+TEST_P(CollectModes, ChooseTheStackProcessId) {
+    CrashRun run;
+    if (GetParam().inProcess) run.set("NORVANEMINIDUMP1_INPROCESS_COLLECT", std::string("1"));
+    if (GetParam().outOfProcess) run.set("NORVANEMINIDUMP1_OUTOFPROCESS_COLLECT", std::string("1"));
+    ASSERT_TRUE(crash_test::handledByLibrary(run.run("access-violation")));
+    std::uint32_t const stackProcessId = GetParam().stackInReport ? 0 : run.hostPid();
+    EXPECT_EQ(run.handlerArguments(), crash_test::fixedHandlerArguments(run.logDirectory(), stackProcessId));
+    EXPECT_EQ(run.readReport().getCrashedPid(), run.hostPid());
+}
+
+INSTANTIATE_TEST_SUITE_P(CrashHost, CollectModes,
+                         testing::Values(CollectCase{"inProcessAlone", true, false, true},
+                                         CollectCase{"both", true, true, false},
+                                         CollectCase{"outOfProcessAlone", false, true, false}));
+
+}  // namespace

@@ -1,0 +1,16 @@
+// How crashes look from outside on each platform. platform_crash_posix.cpp
+// and platform_crash_windows.cpp implement it.
+#pragma once
+
+#include "child_process.h"
+
+namespace crash_test {
+
+// The name the report's "Process" section gives the sample host.
+extern char const kHostProcessName[];
+
+// True if the platform's own handling ended the process for an access
+// violation: nothing of the library stood in the way.
+bool endedByPlatformAccessViolation(norvane_test::ChildOutcome const& outcome);
+
+}  // namespace crash_test

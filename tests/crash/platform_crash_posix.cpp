@@ -1,0 +1,15 @@
+// POSIX code only.
+#include "platform_crash.h"
+
+#include <signal.h>
+
+namespace crash_test {
+
+char const kHostProcessName[] = "crash_host";
+
+// The default action of SIGSEGV kills the process by the signal.
+bool endedByPlatformAccessViolation(norvane_test::ChildOutcome const& outcome) {
+    return outcome.finished && !outcome.exited && outcome.signal == SIGSEGV;
+}
+
+}  // namespace crash_test

@@ -1,0 +1,127 @@
+// The reference handler's command line: what the library writes is taken,
+// anything else is refused.
+#include "command_line.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using kelmur_feedback::parseCommandLine;
+using Arguments = std::vector<std::string>;
+
+Arguments fixedPart(std::string const& stackPid = "4120") {
+    return {"-handle-crash",        "-report-system-info",
+            "-system-info-file",    "/var/log/my app/system_info.txt",
+            "-collect-module-info", "-collect-product-info",
+            "-crash-info-file",     "/var/log/my app/crash_info.txt",
+            "-minidump-stack",      stackPid,
+            "-dump-memory",         "1",
+            "-load-module-map",     "0"};
+}
+
+Arguments withTail(Arguments arguments, Arguments const& tail) {
+    arguments.insert(arguments.end(), tail.begin(), tail.end());
+    return arguments;
+}
+
+TEST(KelmurFeedbackCommandLine, FixedPartIsReadIntoTheCommand) {
+    auto const parsed = parseCommandLine(fixedPart());
+    ASSERT_TRUE(parsed.command) << parsed.error;
+    EXPECT_EQ(parsed.command->systemInfoFile, "/var/log/my app/system_info.txt");
+    EXPECT_EQ(parsed.command->crashInfoFile, "/var/log/my app/crash_info.txt");
+    EXPECT_EQ(parsed.command->minidumpStack, 4120u);
+    EXPECT_EQ(parsed.command->dumpMemory, 1u);
+    EXPECT_EQ(parsed.command->loadModuleMap, 0u);
+    EXPECT_TRUE(parsed.command->relayed.empty());
+}
+
+struct RelayedCase {
+    char const* name;
+    Arguments tail;
+};
+
+// The case's name, which ctest shows in the test's name.
+void PrintTo(RelayedCase const& test, std::ostream* out) { *out << test.name; }
+
+class RelayedSubsets : public testing::TestWithParam<RelayedCase> {};
+
+// Every subset the library can write is taken, each pair kept as written.
+TEST_P(RelayedSubsets, AreKeptInOrder) {
+    Arguments const tail = GetParam().tail;
+    auto const parsed = parseCommandLine(withTail(fixedPart(), tail));
+    ASSERT_TRUE(parsed.command) << parsed.error;
+    Arguments flattened;
+    for (auto const& relayed : parsed.command->relayed) {
+        flattened.push_back(relayed.option);
+        flattened.push_back(relayed.value);
+    }
+    EXPECT_EQ(flattened, tail);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    KelmurFeedbackCommandLine, RelayedSubsets,
+    testing::Values(
+        RelayedCase{"port", {"-tcp-port", "4711"}},
+        RelayedCase{"serverCertificate", {"-server-certificate", "C:\\certs\\server.pem"}},
+        RelayedCase{"clientPair", {"-client-certificate", "c.pem", "-client-certificate-key", "c key.pem"}},
+        RelayedCase{"portAndServer", {"-tcp-port", "65535", "-server-certificate", "s.pem"}},
+        RelayedCase{"all", {"-tcp-port", "1", "-client-certificate", "c.pem", "-client-certificate-key", "k.pem",
+                            "-server-certificate", "s.pem"}}));
+
+struct RefusedCase {
+    char const* name;
+    Arguments arguments;
+    char const* errorMentions;
+};
+
+void PrintTo(RefusedCase const& test, std::ostream* out) { *out << test.name; }
+
+class RefusedCommandLines : public testing::TestWithParam<RefusedCase> {};
+
+TEST_P(RefusedCommandLines, SayWhy) {
+    auto const parsed = parseCommandLine(GetParam().arguments);
+    EXPECT_FALSE(parsed.command);
+    EXPECT_NE(parsed.error.find(GetParam().errorMentions), std::string::npos) << parsed.error;
+}
+
+Arguments replaced(std::size_t index, std::string const& value) {
+    Arguments arguments = fixedPart();
+    arguments[index] = value;
+    return arguments;
+}
+
+Arguments withoutFirst() {
+    Arguments arguments = fixedPart();
+    arguments.erase(arguments.begin());
+    return arguments;
+}
+
+Arguments truncated(std::size_t count) {
+    Arguments arguments = fixedPart();
+    arguments.resize(count);
+    return arguments;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    KelmurFeedbackCommandLine, RefusedCommandLines,
+    testing::Values(
+        RefusedCase{"nothing", {}, "expected -handle-crash"},
+        RefusedCase{"firstFlagMissing", withoutFirst(), "expected -handle-crash"},
+        RefusedCase{"flagsSwapped", replaced(4, "-collect-product-info"), "expected -collect-module-info"},
+        RefusedCase{"valueMissingAtEnd", truncated(13), "-load-module-map needs a value"},
+        RefusedCase{"lastPairMissing", truncated(12), "expected -load-module-map"},
+        RefusedCase{"negativeNumber", replaced(9, "-1"), "decimal"},
+        RefusedCase{"hexNumber", replaced(9, "0x10"), "decimal"},
+        RefusedCase{"numberWithBlank", replaced(11, " 1"), "decimal"},
+        RefusedCase{"emptyNumber", replaced(13, ""), "decimal"},
+        RefusedCase{"numberBeyond32Bits", replaced(9, "4294967296"), "decimal"},
+        RefusedCase{"portTooHigh", withTail(fixedPart(), {"-tcp-port", "65536"}), "port number"},
+        RefusedCase{"portNotANumber", withTail(fixedPart(), {"-tcp-port", "http"}), "port number"},
+        RefusedCase{"pairValueMissing", withTail(fixedPart(), {"-server-certificate"}), "needs a value"},
+        RefusedCase{"pairsOutOfOrder",
+                    withTail(fixedPart(), {"-server-certificate", "s.pem", "-tcp-port", "4711"}),
+                    "unexpected argument 17, found '-tcp-port'"},
+        RefusedCase{"pairRepeated", withTail(fixedPart(), {"-tcp-port", "1", "-tcp-port", "2"}), "unexpected"},
+        RefusedCase{"unknownOption", withTail(fixedPart(), {"-verbose"}), "unexpected argument 15"}));
+
+}  // namespace

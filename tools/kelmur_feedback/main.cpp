@@ -1,0 +1,66 @@
+// kelmur-feedback: the reference crash handler. The library starts it after
+// a crash and waits for it; its exit code decides how the crash ends (6:
+// "not our exception", the crash goes on to the system's own handling).
+//
+//   kelmur-feedback -handle-crash ... (see command_line.h)
+//
+// It checks its command line (a wrong one: usage on stderr, exit code 2),
+// reads the report named by -crash-info-file, completes it with the host's
+// custom sections and writes it back, prints a summary, then exits with 0.
+//
+// Test hooks, from the environment:
+//   KELMUR_FEEDBACK_RECORD=<file>     first of all, write the arguments and
+//                                     the start time there (invocation_record.h)
+//   KELMUR_FEEDBACK_EXIT_CODE=<n>     exit with n once the work is done
+#include "command_line.h"
+#include "invocation_record.h"
+#include "process_text.h"
+#include "report_completion.h"
+#include "report_summary.h"
+
+#include <cstdlib>
+#include <iostream>
+
+namespace {
+
+constexpr int kUsageExitCode = 2;
+
+int requestedExitCode() {
+    std::string const text = kelmur_feedback::environmentValue("KELMUR_FEEDBACK_EXIT_CODE");
+    if (text.empty()) return 0;
+    char* end = nullptr;
+    long const code = std::strtol(text.c_str(), &end, 10);
+    if (*end != '\0') {
+        std::cerr << "kelmur-feedback: KELMUR_FEEDBACK_EXIT_CODE is not a number: " << text << '\n';
+        return 0;
+    }
+    return static_cast<int>(code);
+}
+
+void recordInvocation(std::vector<std::string> const& arguments, std::int64_t startedUs) {
+    std::string const file = kelmur_feedback::environmentValue("KELMUR_FEEDBACK_RECORD");
+    if (file.empty()) return;
+    if (!kelmur_feedback::writeInvocationRecord(file, arguments, startedUs)) {
+        std::cerr << "kelmur-feedback: can't write the invocation record " << file << '\n';
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::int64_t const startedUs = kelmur_feedback::microsecondsSinceEpoch();
+    std::vector<std::string> const arguments = kelmur_feedback::programArguments(argc, argv);
+    recordInvocation(arguments, startedUs);
+
+    kelmur_feedback::ParseResult const parsed = kelmur_feedback::parseCommandLine(arguments);
+    if (!parsed.command) {
+        std::cerr << "kelmur-feedback: " << parsed.error << '\n' << kelmur_feedback::usageText();
+        return kUsageExitCode;
+    }
+    kelmur_feedback::CrashCommand const& command = *parsed.command;
+    auto const report = kelmur_feedback::completeReport(command.crashInfoFile,
+                                                        kelmur_feedback::readReportText(command.crashInfoFile));
+    kelmur_feedback::printSummary(std::cout, command, report);
+    std::cout.flush();
+    return requestedExitCode();
+}

@@ -1,0 +1,15 @@
+// Completing the report the library exported: the host's registered custom
+// sections (the library's creation log among them, which comes last) join
+// it, and the file is written anew, before anyone reads it.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace kelmur_feedback {
+
+// The completed text, also written back to `path`. A report that can't be
+// read, or that its reader rejects, is left as it is.
+std::optional<std::wstring> completeReport(std::string const& path, std::optional<std::wstring> const& text);
+
+}  // namespace kelmur_feedback
