@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Builds the benchmarks in Release and runs them.
 #
-#   scripts/bench.sh [benchmark options]   e.g. --benchmark_filter=FromString
+#   scripts/bench.sh            natively: the report, the crash and the module map
+#   scripts/bench.sh windows    the crash and the module map benches of the
+#                               Windows build, under Wine
 set -euo pipefail
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
@@ -10,7 +12,23 @@ cd "$root"
 source scripts/lib/common.sh
 NORVANE_LOG_TAG=bench
 
+if [[ "${1:-}" == windows ]]; then
+    scripts/setup/install-packages.sh
+    scripts/setup/build-mingw-deps.sh
+    cmake/wine-run.sh --prepare
+    cmake --preset windows -B build/bench-windows -DCMAKE_BUILD_TYPE=Release >/dev/null
+    cmake --build build/bench-windows --target crash_bench module_map_bench
+    for bench in crash_bench module_map_bench; do
+        norvane_log "$bench (Windows, under Wine)"
+        cmake/wine-run.sh "build/bench-windows/bin/$bench.exe"
+    done
+    exit 0
+fi
+
 scripts/setup/install-packages.sh native bench
 cmake --preset release >/dev/null
-cmake --build --preset release
-build/release/bin/report_bench "$@"
+cmake --build --preset release --target report_bench crash_bench module_map_bench
+for bench in report_bench crash_bench module_map_bench; do
+    norvane_log "$bench"
+    "build/release/bin/$bench"
+done

@@ -33,6 +33,8 @@
 
 namespace norvane_1 {
 
+struct MinidumpAddressRange;
+
 using AppPropertyPool = std::map<std::wstring, gavrel2::variant_t>;
 
 class NORVANE_API ProblemReportStorage {
@@ -95,6 +97,9 @@ public:
     // The module list. Modules are kept by position, with two indexes: by
     // Begin (each record) and by FullName (the record added last).
     void clearModuleInfo();
+    // Appends a record for a range of a module map. With `skipKnown`, a
+    // range whose name and begin are both indexed already is passed over.
+    void addModuleInfo(MinidumpAddressRange const* range, bool skipKnown);
     // Prunes the list to the modules that a clean frame's address or a raw
     // stack's return address lies in (Base up to End). False, and nothing
     // pruned, when the report has no stacks.
@@ -103,6 +108,9 @@ public:
     bool findModule(std::wstring const& name, ModuleInfo& module) const;
     // Names the exception's module after the module at its address.
     void updateExceptionSection();
+    // Fills each module's debug facts (symbol file, time stamp, size, GUID,
+    // age) from its file; false when the debug-help library can't be bound.
+    bool updateModuleMap();
 
     // Product. detectProductInfo() reads "support.txt" in the directory above
     // each module's, and falls back on the product-location service.

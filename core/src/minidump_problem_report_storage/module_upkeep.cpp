@@ -1,6 +1,7 @@
 // Keeping the module list of a report: pruning it to the modules the stacks
 // pass through, and finding a module by address or name. Portable code only.
 #include <norvane_1/crash_handling.h>
+#include <norvane_1/module_map.h>
 #include <norvane_1/problem_report_storage.h>
 
 #include "logging/logging.h"
@@ -37,6 +38,21 @@ void ProblemReportStorage::clearModuleInfo() {
     m_moduleInfo.clear();
     m_moduleAddressIndex.clear();
     m_moduleNameIndex.clear();
+}
+
+void ProblemReportStorage::addModuleInfo(MinidumpAddressRange const* range, bool skipKnown) {
+    if (range == nullptr) return;
+    std::wstring const name = range->name ? std::wstring(range->name) : std::wstring();
+    if (skipKnown && m_moduleNameIndex.count(name) != 0 && m_moduleAddressIndex.count(range->begin) != 0) return;
+    ModuleInfo module;
+    module.FullName = name;
+    module.Base = range->base;
+    module.Begin = range->begin;
+    module.End = range->end;
+    std::uint64_t const position = m_moduleInfo.size();
+    m_moduleAddressIndex[range->begin] = position;
+    m_moduleNameIndex[name] = position;
+    m_moduleInfo.push_back(module);
 }
 
 bool ProblemReportStorage::SyncModuleMapWithStackMap() {

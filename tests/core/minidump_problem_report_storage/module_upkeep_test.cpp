@@ -1,9 +1,14 @@
 // Pruning the module list to what the stacks pass through, and lookups.
 #include "report_probe.h"
 
+#include <norvane_1/module_map.h>
+
 #include "test_environment.h"
 
+#include <gavrel2/stdpaths.h>
 #include <gtest/gtest.h>
+
+#include <cstring>
 
 namespace {
 
@@ -128,6 +133,44 @@ TEST_F(ModuleUpkeep, ExceptionModuleIsNamedByItsAddress) {
     report.setException(e);
     report.updateExceptionSection();
     EXPECT_EQ(report.getException().module, L"kept");
+}
+
+TEST_F(ModuleUpkeep, RangesOfAModuleMapBecomeRecords) {
+    ReportProbe report;
+    std::wstring name = modulePath(L"a.dll");
+    norvane_1::MinidumpAddressRange range{&name[0], 0x1000, 0x1100, 0x1800, 0};
+    report.addModuleInfo(&range, true);
+    report.addModuleInfo(&range, true);  // name and begin known: passed over
+    ASSERT_EQ(report.getModuleInfo().size(), 1u);
+    range.begin = 0x1900;  // a known name at a new begin is taken
+    range.end = 0x2000;
+    report.addModuleInfo(&range, true);
+    report.addModuleInfo(&range, false);  // without the test, always appended
+    report.addModuleInfo(nullptr, false);
+    ASSERT_EQ(report.getModuleInfo().size(), 3u);
+    EXPECT_EQ(report.getModuleInfo()[0].Base, 0x1000u);
+    EXPECT_EQ(report.getModuleInfo()[0].Begin, 0x1100u);
+    EXPECT_EQ(report.getModuleInfo()[0].SymbolName, L"");
+    norvane_1::ModuleInfo found;
+    EXPECT_TRUE(report.findModule(0x1950, found));
+    EXPECT_EQ(found.Begin, 0x1900u);
+}
+
+// The debug facts of a real file: this test program, with its build id (a
+// CodeView record on Windows). The debug-file name depends on the platform's
+// linker and isn't checked here.
+TEST_F(ModuleUpkeep, DebugFactsComeFromTheModuleFiles) {
+    ReportProbe report;
+    norvane_1::ModuleInfo self = module(gavrel2::stdpaths::get_program_path().as_string(), 0x1000, 0x1000, 0x2000);
+    norvane_1::ModuleInfo missing = module(modulePath(L"missing.dll"), 0x3000, 0x3000, 0x4000);
+    report.getModuleInfo() = {self, missing};
+    ASSERT_TRUE(report.updateModuleMap());
+    auto const& read = report.getModuleInfo();
+    EXPECT_GT(read[0].Size, 0u);
+    norvane_1::Guid const zero{};
+    EXPECT_NE(std::memcmp(&read[0].Guid, &zero, sizeof zero), 0);
+    EXPECT_EQ(read[1].Size, 0u);  // a file that can't be read gives zeros
+    EXPECT_EQ(read[1].SymbolName, L"");
 }
 
 TEST_F(ModuleUpkeep, ClearingRemovesTheModuleSections) {

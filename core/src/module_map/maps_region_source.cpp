@@ -1,0 +1,131 @@
+#include "maps_region_source.h"
+
+#include <vantix_2_18/utf.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace norvane_1 {
+namespace {
+
+// Reads a hexadecimal number up to `stop`; false without digits.
+bool readHex(std::string const& text, std::size_t& at, char stop, std::uint64_t& value) {
+    std::size_t const end = text.find(stop, at);
+    if (end == std::string::npos || end == at) return false;
+    char* after = nullptr;
+    value = std::strtoull(text.c_str() + at, &after, 16);
+    if (after != text.c_str() + end) return false;
+    at = end + 1;
+    return true;
+}
+
+// The next field delimited by blanks.
+std::string readField(std::string const& text, std::size_t& at) {
+    at = text.find_first_not_of(' ', at);
+    if (at == std::string::npos) {
+        at = text.size();
+        return std::string();
+    }
+    std::size_t const end = std::min(text.find(' ', at), text.size());
+    std::string field = text.substr(at, end - at);
+    at = end;
+    return field;
+}
+
+std::string filePath(std::string path) {
+    static std::string const kDeleted = " (deleted)";
+    if (path.empty() || path[0] != '/') return std::string();
+    if (path.size() > kDeleted.size() && path.compare(path.size() - kDeleted.size(), kDeleted.size(), kDeleted) == 0) {
+        path.resize(path.size() - kDeleted.size());
+    }
+    return path;
+}
+
+}  // namespace
+
+bool parseMapsLine(std::string const& line, MapsLine& mapping) {
+    std::size_t at = 0;
+    if (!readHex(line, at, '-', mapping.begin) || !readHex(line, at, ' ', mapping.end)) return false;
+    std::string const permissions = readField(line, at);
+    std::string const offset = readField(line, at);
+    std::string const device = readField(line, at);
+    std::string const inode = readField(line, at);
+    if (permissions.size() < 4 || inode.empty() || mapping.end <= mapping.begin) return false;
+    mapping.executable = permissions[2] == 'x';
+    std::size_t const path = line.find_first_not_of(' ', at);
+    mapping.file = path == std::string::npos ? std::string() : filePath(line.substr(path));
+    mapping.identity = device + " " + inode;
+    return true;
+}
+
+MapsRegionSource::MapsRegionSource(std::vector<MapsLine> const& mappings) {
+    collectImages(mappings);
+    collectRegions(mappings);
+}
+
+// Mappings of one file make one image while no other file comes between.
+void MapsRegionSource::collectImages(std::vector<MapsLine> const& mappings) {
+    MapsLine const* current = nullptr;
+    for (MapsLine const& mapping : mappings) {
+        if (mapping.file.empty()) continue;
+        bool const sameFile = current && current->file == mapping.file && current->identity == mapping.identity;
+        if (sameFile) {
+            m_images.back().end = mapping.end;
+            continue;
+        }
+        m_images.push_back(Image{mapping.begin, mapping.end});
+        m_names[mapping.begin] = VANTIX_2_18::utf::from_utf8(mapping.file);
+        current = &mapping;
+    }
+}
+
+void MapsRegionSource::collectRegions(std::vector<MapsLine> const& mappings) {
+    std::uint64_t covered = 0;
+    for (MapsLine const& mapping : mappings) {
+        if (mapping.begin < covered) continue;  // the kernel never overlaps them; a damaged list might
+        if (mapping.begin > covered) addRegion(covered, mapping.begin - covered, true, false);
+        addRegion(mapping.begin, mapping.end - mapping.begin, false, mapping.executable);
+        covered = mapping.end;
+    }
+    // The rest of the address space is free; its size wraps to reach 2^64.
+    if (covered != 0) addRegion(covered, 0 - covered, true, false);
+}
+
+// A gap inside an image is part of it: reserved, not free.
+void MapsRegionSource::addRegion(std::uint64_t begin, std::uint64_t size, bool free, bool executable) {
+    MemoryRegion region;
+    region.base = begin;
+    region.size = size;
+    region.executable = executable;
+    Image const* image = imageAt(begin);
+    region.free = free && image == nullptr;
+    region.allocationBase = image ? image->begin : (region.free ? 0 : begin);
+    m_regions.push_back(region);
+}
+
+MapsRegionSource::Image const* MapsRegionSource::imageAt(std::uint64_t address) const {
+    auto after = std::upper_bound(m_images.begin(), m_images.end(), address,
+                                  [](std::uint64_t a, Image const& image) { return a < image.begin; });
+    if (after == m_images.begin()) return nullptr;
+    Image const& image = *(after - 1);
+    return address < image.end ? &image : nullptr;
+}
+
+bool MapsRegionSource::query(std::uint64_t address, MemoryRegion& region) {
+    auto after = std::upper_bound(m_regions.begin(), m_regions.end(), address,
+                                  [](std::uint64_t a, MemoryRegion const& r) { return a < r.base; });
+    if (after == m_regions.begin()) return false;
+    MemoryRegion const& found = *(after - 1);
+    if (address - found.base >= found.size) return false;
+    region = found;
+    return true;
+}
+
+bool MapsRegionSource::moduleName(std::uint64_t base, std::wstring& name) {
+    auto found = m_names.find(base);
+    if (found == m_names.end()) return false;
+    name = found->second;
+    return true;
+}
+
+}  // namespace norvane_1

@@ -1,0 +1,65 @@
+// Windows: the regions come from VirtualQuery of this process, or
+// VirtualQueryEx of a foreign one.
+#include "region_source.h"
+
+#include "process_bitness.h"
+
+#include <windows.h>
+#include <psapi.h>
+
+namespace norvane_1 {
+namespace {
+
+constexpr DWORD kQueryAndRead = PROCESS_QUERY_INFORMATION | PROCESS_VM_READ;  // 0x410
+constexpr DWORD kNameCapacity = 260;
+constexpr DWORD kExecutePages = 0xF0;  // every PAGE_EXECUTE* protection
+
+class WindowsRegionSource : public RegionSource {
+public:
+    // A null handle means this process.
+    explicit WindowsRegionSource(HANDLE process) : m_process(process) {}
+    ~WindowsRegionSource() override {
+        if (m_process != nullptr) ::CloseHandle(m_process);
+    }
+    WindowsRegionSource(WindowsRegionSource const&) = delete;
+    WindowsRegionSource& operator=(WindowsRegionSource const&) = delete;
+
+    bool query(std::uint64_t address, MemoryRegion& region) override {
+        MEMORY_BASIC_INFORMATION info{};
+        auto const where = reinterpret_cast<LPCVOID>(static_cast<std::uintptr_t>(address));
+        SIZE_T const got = m_process ? ::VirtualQueryEx(m_process, where, &info, sizeof info)
+                                     : ::VirtualQuery(where, &info, sizeof info);
+        if (got != sizeof info) return false;
+        region.base = reinterpret_cast<std::uintptr_t>(info.BaseAddress);
+        region.allocationBase = reinterpret_cast<std::uintptr_t>(info.AllocationBase);
+        region.size = info.RegionSize;
+        region.free = info.State == MEM_FREE;
+        region.executable = (info.Protect & kExecutePages) != 0;
+        return true;
+    }
+
+    bool moduleName(std::uint64_t base, std::wstring& name) override {
+        wchar_t buffer[kNameCapacity];
+        auto const module = reinterpret_cast<HMODULE>(static_cast<std::uintptr_t>(base));
+        DWORD const length = m_process ? ::K32GetModuleFileNameExW(m_process, module, buffer, kNameCapacity)
+                                       : ::GetModuleFileNameW(module, buffer, kNameCapacity);
+        if (length == 0) return false;
+        name.assign(buffer, length);
+        if (m_process && isWow64Process(m_process) && is32Process(m_process)) correctWow64ModulePath(name);
+        return true;
+    }
+
+private:
+    HANDLE m_process;
+};
+
+}  // namespace
+
+std::unique_ptr<RegionSource> openRegionSource(unsigned long processId) {
+    if (processId == 0) return std::make_unique<WindowsRegionSource>(nullptr);
+    HANDLE process = ::OpenProcess(kQueryAndRead, FALSE, processId);
+    if (process == nullptr) return nullptr;
+    return std::make_unique<WindowsRegionSource>(process);
+}
+
+}  // namespace norvane_1

@@ -1,0 +1,57 @@
+// Linux: the images and regions a maps text gives, through the scan.
+#include "map_testing.h"
+
+#include "module_map/maps_region_source.h"
+#include "module_map/module_scan.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace norvane_test {
+namespace {
+
+char const kMaps[] =
+    "55d0a0000000-55d0a0001000 r--p 00000000 08:01 100    /usr/bin/prog\n"
+    "55d0a0001000-55d0a0002000 r-xp 00001000 08:01 100    /usr/bin/prog\n"
+    "55d0a0002000-55d0a0003000 r--p 00002000 08:01 100    /usr/bin/prog\n"
+    "55d0a0004000-55d0a0005000 rw-p 00003000 08:01 100    /usr/bin/prog\n"
+    "55d0a0005000-55d0a0006000 rw-p 00000000 00:00 0 \n"
+    "55d0a1000000-55d0a1021000 rw-p 00000000 00:00 0      [heap]\n"
+    "7f0000000000-7f0000001000 r-xp 00000000 08:01 200    /lib/a.so (deleted)\n"
+    "7f0000001000-7f0000002000 ---p 00000000 00:00 0 \n"
+    "7f0000002000-7f0000003000 r-xp 00002000 08:01 200    /lib/a.so (deleted)\n"
+    "7f0000003000-7f0000004000 r-xp 00000000 08:01 300    /lib/b with blanks.so\n"
+    "7f0000004000-7f0000005000 r-xp 00001000 08:01 301    /lib/b with blanks.so\n"
+    "7f0000005000-7f0000006000 r-xp 00000000 00:00 0 \n"
+    "7ffd00000000-7ffd00021000 rw-p 00000000 00:00 0      [stack]\n"
+    "7ffd00100000-7ffd00102000 r-xp 00000000 00:00 0      [vdso]\n"
+    "ffffffffff600000-ffffffffff601000 --xp 00000000 00:00 0  [vsyscall]\n"
+    "not a mapping\n";
+
+TEST(MapsRegionSource, ImagesOfFilesGiveTheirCodeStretches) {
+    std::vector<norvane_1::MapsLine> lines;
+    std::istringstream text(kMaps);
+    for (std::string line; std::getline(text, line);) {
+        norvane_1::MapsLine mapping;
+        if (norvane_1::parseMapsLine(line, mapping)) lines.push_back(mapping);
+    }
+    ASSERT_EQ(lines.size(), 15u);
+    norvane_1::MapsRegionSource source(lines);
+    MapPtr map = newMap();
+    norvane_1::scanModules(source, *map);
+    // a.so is one image across the anonymous page; a second file of the
+    // same name (another inode) is an image of its own.
+    EXPECT_EQ(contents(*map), (std::vector<Entry>{{0x55d0a0001000, 0x55d0a0002000, L"/usr/bin/prog"},
+                                                  {0x7f0000000000, 0x7f0000001000, L"/lib/a.so"},
+                                                  {0x7f0000002000, 0x7f0000003000, L"/lib/a.so"},
+                                                  {0x7f0000003000, 0x7f0000004000, L"/lib/b with blanks.so"},
+                                                  {0x7f0000004000, 0x7f0000005000, L"/lib/b with blanks.so"}}));
+    std::vector<std::uint64_t> bases;
+    for (std::uint32_t i = 0; i < map->count; ++i) bases.push_back(map->ranges[i].base);
+    EXPECT_EQ(bases, (std::vector<std::uint64_t>{0x55d0a0000000, 0x7f0000000000, 0x7f0000000000, 0x7f0000003000,
+                                                 0x7f0000004000}));
+}
+
+}  // namespace
+}  // namespace norvane_test
