@@ -2,8 +2,9 @@
 // process. It runs the sample host (crash_host access-violation) a number of
 // times and prints the median, minimum and maximum of
 //
-//   fault -> report written    the host's fault to the last write of
-//                              crash_info.txt (the file's modification time)
+//   fault -> report written    the host's fault to the library's write of
+//                              crash_info.txt (the file's modification time;
+//                              the handler is told to leave the file alone)
 //   fault -> handler started   the host's fault to the start of the
 //                              handler's main() (its "started-us" record)
 //
@@ -55,6 +56,7 @@ norvane_test::ChildOptions hostOptions(fs::path const& directory) {
     options.environment = {
         {"NORVANE_LOG_DIR", (directory / "log").u8string()},
         {"KELMUR_FEEDBACK_RECORD", (directory / "handler.txt").u8string()},
+        {"KELMUR_FEEDBACK_KEEP_REPORT", std::string("1")},
         {"CRASH_HOST_TIMESTAMP_FILE", (directory / "fault.txt").u8string()},
         {"NORVANE_CRASH_HANDLER", std::nullopt},
         {"NORVANE_DISABLE_EXCEPTION_HANDLER", std::nullopt},

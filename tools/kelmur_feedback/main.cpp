@@ -12,6 +12,8 @@
 //   KELMUR_FEEDBACK_RECORD=<file>     first of all, write the arguments and
 //                                     the start time there (invocation_record.h)
 //   KELMUR_FEEDBACK_EXIT_CODE=<n>     exit with n once the work is done
+//   KELMUR_FEEDBACK_KEEP_REPORT=1     leave crash_info.txt as the library wrote
+//                                     it (for timing the library's export)
 #include "command_line.h"
 #include "invocation_record.h"
 #include "process_text.h"
@@ -58,8 +60,10 @@ int main(int argc, char** argv) {
         return kUsageExitCode;
     }
     kelmur_feedback::CrashCommand const& command = *parsed.command;
-    auto const report = kelmur_feedback::completeReport(command.crashInfoFile,
-                                                        kelmur_feedback::readReportText(command.crashInfoFile));
+    auto report = kelmur_feedback::readReportText(command.crashInfoFile);
+    if (kelmur_feedback::environmentValue("KELMUR_FEEDBACK_KEEP_REPORT").empty()) {
+        report = kelmur_feedback::completeReport(command.crashInfoFile, report);
+    }
     kelmur_feedback::printSummary(std::cout, command, report);
     std::cout.flush();
     return requestedExitCode();
