@@ -114,4 +114,14 @@ ProblemReportStorage makeLargeReport(LargeReportShape const& shape) {
 std::string toUtf8(std::wstring const& text) { return VANTIX_2_18::utf::to_utf8(text); }
 std::wstring fromUtf8(std::string const& bytes) { return VANTIX_2_18::utf::from_utf8(bytes); }
 
+std::wstring withCrLf(std::wstring const& text) {
+    std::wstring out;
+    out.reserve(text.size() + text.size() / 16);
+    for (wchar_t c : text) {
+        if (c == L'\n') out += L'\r';
+        out += c;
+    }
+    return out;
+}
+
 }  // namespace norvane_test

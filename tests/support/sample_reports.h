@@ -29,4 +29,7 @@ norvane_1::ProblemReportStorage makeLargeReport(LargeReportShape const& shape = 
 std::string toUtf8(std::wstring const& text);
 std::wstring fromUtf8(std::string const& bytes);
 
+// The text with every "\n" written as "\r\n", as a Windows editor saves it.
+std::wstring withCrLf(std::wstring const& text);
+
 }  // namespace norvane_test

@@ -1,24 +1,18 @@
 // Key text: writing "Key: value" lines and reading them back.
 #include <norvane_1/string_traits.h>
 
+#include "sample_reports.h"
+
 #include <gtest/gtest.h>
 
 namespace {
 
 using norvane_1::StringMap;
+using norvane_test::withCrLf;
 
 StringMap read(std::wstring const& text, std::vector<std::wstring> const& keys = {}) {
     StringMap out;
     norvane_1::processSectionToMap(text, out, keys);
-    return out;
-}
-
-std::wstring withCrLf(std::wstring const& text) {
-    std::wstring out;
-    for (wchar_t c : text) {
-        if (c == L'\n') out += L'\r';
-        out += c;
-    }
     return out;
 }
 

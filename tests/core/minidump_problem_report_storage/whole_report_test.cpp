@@ -13,6 +13,7 @@ namespace {
 
 using norvane_1::ProblemReportStorage;
 using norvane_test::ReportProbe;
+using norvane_test::withCrLf;
 
 std::string readFile(std::string const& path) {
     std::ifstream in(path, std::ios::binary);
@@ -20,15 +21,6 @@ std::string readFile(std::string const& path) {
 }
 
 std::string dataFile(char const* name) { return std::string(NORVANE_TEST_DATA_DIR) + "/reports/" + name; }
-
-std::wstring withCrLf(std::wstring const& text) {
-    std::wstring out;
-    for (wchar_t c : text) {
-        if (c == L'\n') out += L'\r';
-        out += c;
-    }
-    return out;
-}
 
 std::vector<std::wstring> sectionNames(std::wstring const& text) {
     std::vector<std::wstring> names;
