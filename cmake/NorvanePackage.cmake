@@ -23,6 +23,10 @@ install(FILES
     DESTINATION ${NORVANE_CMAKE_DIR})
 
 if(WIN32)
-    # The DLL needs the compiler's run-time DLLs beside it.
+    # The DLL needs the compiler's run-time DLLs beside it; its program
+    # database goes there too, where a debugger looks for it by the name in
+    # the DLL's CodeView record.
     install(FILES ${NORVANE_RUNTIME_DLLS} DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(FILES "$<TARGET_FILE_DIR:norvane>/$<TARGET_FILE_BASE_NAME:norvane>.pdb"
+        DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
