@@ -26,4 +26,8 @@ void replaceCrashFilter();
 // The number of threads the process has now.
 std::size_t countThreads();
 
+// Has the system reap ended child processes, as some hosts do (SIGCHLD
+// ignored on Linux). Windows has no such setting: nothing happens there.
+void ignoreChildProcessEnds();
+
 }  // namespace crash_host

@@ -67,4 +67,6 @@ std::size_t countThreads() {
     return count;
 }
 
+void ignoreChildProcessEnds() { ::signal(SIGCHLD, SIG_IGN); }
+
 }  // namespace crash_host

@@ -63,4 +63,6 @@ std::size_t countThreads() {
     return count;
 }
 
+void ignoreChildProcessEnds() {}
+
 }  // namespace crash_host
