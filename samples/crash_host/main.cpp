@@ -16,6 +16,8 @@
 //   reset-and-abort        resetAndAbort(): handling off, then abort with no report
 //   custom-sections        register two custom sections (files written into
 //                          NORVANE_LOG_DIR), then access address 0
+//   fault-during-reset     a second thread accesses address 0 at a random
+//                          moment of resetUnhandledExceptionHandler
 //   creation-log-writer    write CRASH_HOST_RECORDS creation-log records
 //                          marked with CRASH_HOST_WRITER, without installing
 //   none                   install, then exit normally
@@ -23,7 +25,9 @@
 // Without --handler the library starts its default handler, kelmur-feedback
 // beside this program. The environment variables of the library apply
 // (NORVANE_LOG_DIR, NORVANE_CRASH_HANDLER, ...); CRASH_HOST_TIMESTAMP_FILE
-// makes the host note the moment it faults (fault_stamp.h).
+// makes the host note the moment it faults (fault_stamp.h);
+// CRASH_HOST_IGNORE_CHILDREN has the system reap child processes (SIGCHLD
+// ignored) before the library is installed.
 //
 // Exit codes: 3 after a crash the library handled, 0 for none,
 // reset-threads and creation-log-writer, 2 for a wrong command line, 5 when
@@ -36,11 +40,13 @@
 
 #include <norvane_1/norvane.h>
 
+#include <atomic>
 #include <chrono>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <random>
 #include <string>
 #include <thread>
 
@@ -106,6 +112,32 @@ int countThreadsAroundInstall() {
     return 0;
 }
 
+// The fault lands before, during or after the reset; whichever it is, the
+// process ends (handled by the library, or the platform's way) and never hangs.
+int faultDuringReset() {
+    // Half the runs aim at the first 0.4 ms, where a native reset lies;
+    // the others at 4 ms, for slower systems.
+    std::random_device random;
+    auto const delay = std::chrono::microseconds(random() % (random() % 2 == 0 ? 400 : 4000));
+    std::atomic<bool> ready{false};
+    std::atomic<bool> go{false};
+    std::thread faulting([&ready, &go, delay] {
+        ready = true;
+        while (!go) {
+        }
+        auto const until = std::chrono::steady_clock::now() + delay;
+        while (std::chrono::steady_clock::now() < until) {
+        }
+        accessViolation();
+    });
+    while (!ready) {
+    }
+    go = true;
+    norvane_1::resetUnhandledExceptionHandler();
+    faulting.join();
+    return 0;  // not reached: the thread's fault ends the process
+}
+
 int faultWithCustomSections() {
     if (!registerCustomSections()) {
         say("can't register the custom sections: is NORVANE_LOG_DIR set?");
@@ -138,6 +170,7 @@ Kind const kKinds[] = {
     {"reset-and-abort", "taking crash handling off and aborting", []() -> int { norvane_1::resetAndAbort(); return 0; },
      false},
     {"custom-sections", "registering two custom sections, then accessing address 0", faultWithCustomSections, false},
+    {"fault-during-reset", "accessing address 0 while crash handling is reset", faultDuringReset, false},
     {"creation-log-writer", "writing creation-log records", writeRecords, true},
     {"none", "exiting normally", []() -> int { return 0; }, false},
 };
@@ -167,6 +200,7 @@ int main(int argc, char** argv) {
     g_kindName = kind->name;
     if (argc == 4) g_handlerPath = wideArgument(argv[3]);
 
+    if (std::getenv("CRASH_HOST_IGNORE_CHILDREN") != nullptr) ignoreChildProcessEnds();
     if (!kind->installsItself) install();
     say(kind->announcement);
     return kind->run();

@@ -22,19 +22,25 @@ std::ptrdiff_t countOf(std::vector<std::string> const& lines, std::string const&
     return std::count(lines.begin(), lines.end(), line);
 }
 
+// Also when the host has the system reap its children: the handler's exit
+// code must still reach the library.
 TEST(CrashOutcome, HandlerExit6PassesTheCrashToThePlatform) {
-    CrashRun run;
-    run.captureLibraryLog();
-    run.set("KELMUR_FEEDBACK_EXIT_CODE", std::string("6"));
-    norvane_test::ChildOutcome const outcome = run.run("access-violation");
-    EXPECT_TRUE(crash_test::endedByPlatformAccessViolation(outcome)) << norvane_test::describe(outcome);
-    EXPECT_TRUE(run.reportWritten());
+    for (bool const hostIgnoresChildren : {false, true}) {
+        SCOPED_TRACE(hostIgnoresChildren ? "host ignores child processes" : "plain host");
+        CrashRun run;
+        run.captureLibraryLog();
+        run.set("KELMUR_FEEDBACK_EXIT_CODE", std::string("6"));
+        if (hostIgnoresChildren) run.set("CRASH_HOST_IGNORE_CHILDREN", std::string("1"));
+        norvane_test::ChildOutcome const outcome = run.run("access-violation");
+        EXPECT_TRUE(crash_test::endedByPlatformAccessViolation(outcome)) << norvane_test::describe(outcome);
+        EXPECT_TRUE(run.reportWritten());
 
-    std::vector<std::string> const log = run.libraryLog();
-    std::ptrdiff_t const executed = positionOf(log, "Crash handler executed, terminate.");
-    std::ptrdiff_t const notOurs = positionOf(log, "Not our exception.");
-    ASSERT_GE(executed, 0) << "the library's log lacks the handler's end";
-    EXPECT_GT(notOurs, executed) << "\"Not our exception.\" must follow the handler's end";
+        std::vector<std::string> const log = run.libraryLog();
+        std::ptrdiff_t const executed = positionOf(log, "Crash handler executed, terminate.");
+        std::ptrdiff_t const notOurs = positionOf(log, "Not our exception.");
+        ASSERT_GE(executed, 0) << "the library's log lacks the handler's end";
+        EXPECT_GT(notOurs, executed) << "\"Not our exception.\" must follow the handler's end";
+    }
 }
 
 // resetAndAbort takes handling off first: the abort is the platform's, and
@@ -118,6 +124,19 @@ TEST(CrashOutcome, TwoThreadsFaultingAtOnceEndWithExitCode3AndOneReport) {
         ASSERT_TRUE(crash_test::handledByLibrary(run.run("two-threads"))) << "attempt " << attempt;
         EXPECT_TRUE(run.reportWritten());
         EXPECT_EQ(countOf(run.libraryLog(), "Worker thread took over..."), 1);
+    }
+}
+
+// A fault that meets the reset half-way is either handled or left to the
+// platform, never stuck between the two.
+TEST(CrashOutcome, FaultDuringResetEndsTheProcess) {
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        CrashRun run;
+        run.set("ASAN_OPTIONS", std::string("handle_segv=0"));
+        norvane_test::ChildOutcome const outcome = run.run("fault-during-reset");
+        ASSERT_TRUE(outcome.finished) << "the host hung, attempt " << attempt;
+        EXPECT_TRUE(crash_test::handledByLibrary(outcome) || crash_test::endedByPlatformAccessViolation(outcome))
+            << norvane_test::describe(outcome) << ", attempt " << attempt;
     }
 }
 

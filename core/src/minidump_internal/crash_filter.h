@@ -20,4 +20,19 @@ long dumpMiniDump(ExceptionData* data);
 // decided, which is forever when the process is ended with exit code 3.
 void holdLateFault();
 
+// Held by the remove step while it takes crash handling down. Taking it
+// waits until a crash already in progress has been decided (forever when
+// that crash ends the process). While it is held, a fault on any thread is
+// passed on at once: the state it would need is being torn down.
+class CrashHandlingRemoval {
+public:
+    CrashHandlingRemoval();
+    ~CrashHandlingRemoval();
+    CrashHandlingRemoval(CrashHandlingRemoval const&) = delete;
+    CrashHandlingRemoval& operator=(CrashHandlingRemoval const&) = delete;
+
+private:
+    bool m_claimed = false;
+};
+
 }  // namespace norvane_1

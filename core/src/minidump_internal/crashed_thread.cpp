@@ -35,6 +35,7 @@
 // hooks that stand in their place, which do nothing but hold. A fault of the
 // owning thread or of the worker is passed on at once: it ends the process
 // the system's way, with no further report, and no thread waits for itself.
+// The same holds for a fault while the remove step tears the state down.
 //
 // Ordinary work is still done here (allocation, wide streams, the creation
 // log, the logger): a crash that struck while its thread held the heap's or
@@ -65,15 +66,18 @@ void record(wchar_t const* text) {
     addCreationLogRecord(kFilterLabel, text, nullptr);
 }
 
-// The owner of the crash, and what it decided once it has.
+// The owner of the crash, and what it decided once it has. While the remove
+// step runs, the owner is kRemoval: no thread id on either platform.
+constexpr std::uint32_t kRemoval = 0xffffffffu;
 std::atomic<std::uint32_t> g_crashOwner{0};
 std::atomic<bool> g_crashPassedOn{false};
 
-enum class Arrival { owner, reentry, latecomer };
+enum class Arrival { owner, reentry, latecomer, duringRemoval };
 
 Arrival arrive(std::uint32_t threadId) {
     std::uint32_t expected = 0;
     if (g_crashOwner.compare_exchange_strong(expected, threadId)) return Arrival::owner;
+    if (expected == kRemoval) return Arrival::duringRemoval;
     return expected == threadId ? Arrival::reentry : Arrival::latecomer;
 }
 
@@ -95,17 +99,42 @@ void holdLateFault() {
     while (!g_crashPassedOn) std::this_thread::sleep_for(std::chrono::milliseconds(50));
 }
 
+CrashHandlingRemoval::CrashHandlingRemoval() {
+    for (;;) {
+        std::uint32_t expected = 0;
+        if (g_crashOwner.compare_exchange_strong(expected, kRemoval)) {
+            m_claimed = true;
+            return;
+        }
+        // A crash that was passed on is over: its hooks are off and its
+        // worker has ended, so there is nothing left to wait for.
+        if (expected != kRemoval && g_crashPassedOn) return;
+        if (expected == kRemoval) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));  // another remove step
+        } else {
+            holdLateFault();
+        }
+    }
+}
+
+CrashHandlingRemoval::~CrashHandlingRemoval() {
+    if (m_claimed) g_crashOwner = 0;
+}
+
 long dumpMiniDump(ExceptionData* data) {
     // 1. A process on its way out handles nothing.
     if (g_processExiting) {
         NORVANE_LOG_INFO(log::platformLogger(), L"Didn't process exception while exiting...");
         return kContinueSearch;
     }
+    // The worker can't hand a crash to itself: its own fault is passed on.
     std::uint32_t const threadId = platform::currentThreadId();
+    if (threadId == g_workerThreadId) return kContinueSearch;
     switch (arrive(threadId)) {
         case Arrival::owner: break;
         case Arrival::reentry: return kContinueSearch;
         case Arrival::latecomer: holdLateFault(); return kContinueSearch;
+        case Arrival::duringRemoval: return kContinueSearch;
     }
 
     // 2.-4. Stop the upkeep thread first, or it would set the hooks again;

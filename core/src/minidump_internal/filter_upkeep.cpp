@@ -8,6 +8,7 @@
 #include <norvane_1/exception_handler.h>
 #include <norvane_1/handler_state.h>
 
+#include "crash_filter.h"
 #include "filter_upkeep.h"
 #include "platform.h"
 #include "process_globals.h"
@@ -18,6 +19,7 @@
 
 #include <boost/thread.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <future>
 #include <memory>
@@ -30,9 +32,9 @@ constexpr long kUpkeepPeriodMilliseconds = 1000;
 constexpr int kFirstPassWaitSeconds = 5;
 constexpr wchar_t kAssertLibraryName[] = L"kelmur_norvane_assert_1.19";
 
-// A plain pointer: it is still read when the library leaves the process,
-// after static objects may have been destroyed.
-boost::thread* g_filterThread = nullptr;
+// Trivially destructible: it is still read when the library leaves the
+// process, after static objects may have been destroyed.
+std::atomic<boost::thread*> g_filterThread{nullptr};
 std::atomic<bool> g_filterThreadStop{false};
 boost::mutex g_filterMutex;
 boost::condition_variable_any g_filterCondition;
@@ -71,7 +73,12 @@ private:
 void startFilterUpkeep(ExceptionHandler* handler) {
     auto firstPass = std::make_shared<std::promise<void>>();
     std::future<void> hooksSet = firstPass->get_future();
-    g_filterThread = new boost::thread(UpdateExceptionFilterThread(handler, firstPass));
+    {
+        // The first pass waits for this mutex, so a fault that its hooks
+        // catch finds the thread known to the stop step.
+        boost::lock_guard<boost::mutex> beforeFirstPass(g_filterMutex);
+        g_filterThread = new boost::thread(UpdateExceptionFilterThread(handler, firstPass));
+    }
     hooksSet.wait_for(std::chrono::seconds(kFirstPassWaitSeconds));
 }
 
@@ -115,9 +122,12 @@ void installCrashHandling(ExceptionHandler* handler) {
 }
 
 void stopFilterUpkeep() {
-    if (g_filterThread == nullptr) return;
+    // Whoever takes the thread object out stops it; a second caller has
+    // nothing left to do.
+    boost::thread* const thread = g_filterThread.exchange(nullptr);
+    if (thread == nullptr) return;
     g_filterThreadStop = true;
-    if (g_filterThread->get_id() != boost::this_thread::get_id()) {
+    if (thread->get_id() != boost::this_thread::get_id()) {
         // Passing through the mutex means the thread is either asleep on the
         // condition, and the notification reaches it, or has yet to test the
         // flag: the stop takes effect at once, never a period later. At
@@ -127,16 +137,16 @@ void stopFilterUpkeep() {
             boost::lock_guard<boost::mutex> passThrough(g_filterMutex);
         }
         g_filterCondition.notify_one();
-        g_filterThread->join();
+        thread->join();
     }
-    g_filterThread->detach();
-    delete g_filterThread;
-    g_filterThread = nullptr;
+    thread->detach();
+    delete thread;
     g_filterThreadStop = false;
 }
 
 void removeCrashHandling() {
     if (exceptionHandlingDisabled()) return;
+    CrashHandlingRemoval const noCrashMeanwhile;
     unloadAssertionLibrary();
     stopFilterUpkeep();
     platform::resetProcessHooks();

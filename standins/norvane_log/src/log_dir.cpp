@@ -3,6 +3,8 @@
 #include <gavrel2/environment.h>
 #include <gavrel2/stdpaths.h>
 
+#include <mutex>
+#include <set>
 #include <string>
 
 namespace {
@@ -22,15 +24,23 @@ gavrel2::path_t chosenDirectory() {
     return directory;
 }
 
+// Every directory handed out stays valid for the life of the process, so two
+// threads asking at once never overwrite each other's text. (Not a
+// thread_local: its first use on a thread registers a destructor with the
+// dynamic loader, which a thread that crashed inside dlopen still holds.)
+wchar_t const* keptText(std::wstring const& text) {
+    static std::mutex* const lock = new std::mutex;
+    static std::set<std::wstring>* const texts = new std::set<std::wstring>;
+    std::lock_guard<std::mutex> guard(*lock);
+    return texts->insert(text).first->c_str();
+}
+
 }  // namespace
 
 extern "C" void norvane_1_getLogDir(wchar_t const** out) {
     if (out == nullptr) return;
     *out = nullptr;
-    // One text per thread: two threads asking at once don't overwrite each other.
-    static thread_local std::wstring directory;
     gavrel2::path_t const path = chosenDirectory();
     if (!gavrel2::create_directories(path)) return;
-    directory = path.as_string(true);
-    *out = directory.c_str();
+    *out = keptText(path.as_string(true));
 }
