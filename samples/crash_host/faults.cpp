@@ -50,6 +50,14 @@ CRASH_HOST_FAULT void divideByZero() {
 
 void callAbort() { std::abort(); }
 
+void corruptHeap() {
+    // Too large for the per-thread cache, which checks without the lock.
+    void* volatile block = std::malloc(5000);
+    std::free(block);
+    std::free(block);
+    accessViolation();
+}
+
 void pureVirtualCall() {
     g_shape = new Square();
     std::abort();  // not reached

@@ -14,5 +14,9 @@ namespace crash_host {
 [[noreturn]] void pureVirtualCall();
 // Two threads wait for each other at a barrier, then both access address 0.
 [[noreturn]] void faultOnTwoThreads();
+// Frees a block twice. glibc notices under the heap's lock and aborts while
+// it still holds it; an allocator that doesn't notice gets an access
+// violation instead.
+[[noreturn]] void corruptHeap();
 
 }  // namespace crash_host

@@ -9,6 +9,7 @@
 //   pure-virtual           call a pure virtual function (ends in abort)
 //   run-exception-handler  hand captured registers to runExceptionHandler
 //   two-threads            two threads access address 0 at the same moment
+//   heap-corruption        free a block twice (glibc aborts holding its lock)
 //   replace-filter         install the host's own crash filter over the
 //                          library's, wait 1.5 s, then access address 0
 //   reset-threads          print the thread count before install, after
@@ -165,6 +166,7 @@ Kind const kKinds[] = {
     {"pure-virtual", "calling a pure virtual function", []() -> int { fault(pureVirtualCall); }, false},
     {"run-exception-handler", "handing captured registers to runExceptionHandler", runHandlerDirectly, false},
     {"two-threads", "accessing address 0 on two threads at once", []() -> int { fault(faultOnTwoThreads); }, false},
+    {"heap-corruption", "freeing a block twice", []() -> int { fault(corruptHeap); }, false},
     {"replace-filter", "replacing the library's crash filter", []() -> int { faultUnderReplacedFilter(); }, false},
     {"reset-threads", "counting threads around install and reset", countThreadsAroundInstall, true},
     {"reset-and-abort", "taking crash handling off and aborting", []() -> int { norvane_1::resetAndAbort(); return 0; },

@@ -39,7 +39,9 @@
 //
 // Ordinary work is still done here (allocation, wide streams, the creation
 // log, the logger): a crash that struck while its thread held the heap's or
-// the logger's lock can block this path. The design accepts that risk.
+// the logger's lock can block this path. The way to the hand-over therefore
+// has a deadline where the platform can keep one (an alarm on Linux): past
+// it the process ends with exit code 3 and no report, instead of hanging.
 #include <norvane_1/crash_handling.h>
 #include <norvane_1/handler_state.h>
 
@@ -136,6 +138,7 @@ long dumpMiniDump(ExceptionData* data) {
         case Arrival::latecomer: holdLateFault(); return kContinueSearch;
         case Arrival::duringRemoval: return kContinueSearch;
     }
+    platform::armHandOverDeadline();
 
     // 2.-4. Stop the upkeep thread first, or it would set the hooks again;
     // then take them off.
@@ -169,6 +172,7 @@ long dumpMiniDump(ExceptionData* data) {
     state->setExitStatus(true);
     state->getLock().unlock();
     state->getCondition().notify_one();
+    platform::disarmHandOverDeadline();
     record(L"Exception handling will now continue in worker thread...");
 
     // 17.-18. Sleep until the worker has ended.

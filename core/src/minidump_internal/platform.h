@@ -38,6 +38,11 @@ void suppressFaultDialogs();
 void restoreFaultDialogs();
 // Ends the crashed process with exit code 3. Returns only if that failed.
 void endCrashedProcess();
+// Crashed thread: a time limit for the way to the hand-over, which a lock
+// left held by the crash can block. Past it the process ends with exit code
+// 3 and no report rather than hang. Armed on entry, disarmed at the hand-over.
+void armHandOverDeadline();
+void disarmHandOverDeadline();
 
 // "\\" on Windows, "/" on Linux: what the library adds to a directory.
 wchar_t pathSeparator();
