@@ -1,6 +1,7 @@
 // The singleton state, its worker thread and the hand-over flags.
 #include <norvane_1/handler_state.h>
 
+#include "minidump_internal/crash_filter.h"
 #include "test_environment.h"
 
 #include <boost/thread.hpp>
@@ -95,6 +96,22 @@ TEST_F(HandlerStateTest, BothFlagsRunOnceThenEnd) {
     state.getLock().unlock();
     state.join();
     EXPECT_EQ(state.runs, 1);
+}
+
+// The worker can't hand a crash to itself: a fault of its own is passed on
+// at once instead of waiting for the worker forever.
+TEST_F(HandlerStateTest, AFaultOnTheWorkerIsPassedOnAtOnce) {
+    struct FaultingState : HandlerState {
+        bool run() override {
+            filterResult = norvane_1::dumpMiniDump(nullptr);
+            return true;
+        }
+        std::atomic<long> filterResult{-1};
+    } state;
+    ASSERT_TRUE(state.init());
+    handOver(state, true, true);
+    state.join();
+    EXPECT_EQ(state.filterResult, norvane_1::kContinueSearch);
 }
 
 TEST_F(HandlerStateTest, CollectModeComesFromTheEnvironment) {
