@@ -11,9 +11,9 @@
 // started long before the crash, when the process was healthy:
 //
 //  - It first takes the hooks away (after stopping the upkeep thread, which
-//    would otherwise put them back within a second). From then on a second
-//    fault anywhere, the worker included, finds no filter of ours and ends
-//    the process the system's way instead of recursing into this path.
+//    would otherwise put them back within a second) and puts the late-fault
+//    hooks in their place. From then on a second fault never recurses into
+//    this path: see below for what becomes of it.
 //  - It copies the exception data into the state: the record and the
 //    register context live on the crashed thread's stack, which must stay
 //    untouched while the worker reads the copies.
@@ -141,10 +141,11 @@ long dumpMiniDump(ExceptionData* data) {
     platform::armHandOverDeadline();
 
     // 2.-4. Stop the upkeep thread first, or it would set the hooks again;
-    // then take them off.
+    // then take them off. The late-fault hooks replace them hook by hook:
+    // were the hooks first removed, a second thread faulting in between
+    // would end the process before the report is written.
     NORVANE_LOG_INFO(log::platformLogger(), L"Started exception handling in crashed thread...");
     stopFilterUpkeep();
-    platform::resetProcessHooks();
     platform::setLateFaultHooks();
 
     // 5. (The task service for the handler process starts here.)

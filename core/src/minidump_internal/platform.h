@@ -23,7 +23,9 @@ void setProcessHooks();
 void resetProcessHooks();
 // While a crash is handled, in place of the hooks: a later fault on another
 // thread is held by holdLateFault() and then goes to the system's default
-// handling. Removed by resetProcessHooks.
+// handling. Each replaces its process hook directly, so that at no moment is
+// a crash signal or exception without a hook of ours. Removed by
+// resetProcessHooks.
 void setLateFaultHooks();
 // Readies the calling thread (the one that installs crash handling) to run
 // the crash path even when its own stack is used up.

@@ -74,9 +74,12 @@ void resetProcessHooks() {
     setPureCallHandler(nullptr);
 }
 
+// A pure call on another thread now takes the run-time library's way, which
+// ends in abort and so in lateAbort.
 void setLateFaultHooks() {
     ::SetUnhandledExceptionFilter(lateFaultFilter);
     std::signal(SIGABRT, lateAbort);
+    setPureCallHandler(nullptr);
 }
 
 // Leaves room on the installing thread's stack for the filter after a stack
