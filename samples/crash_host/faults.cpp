@@ -1,6 +1,7 @@
 #include "faults.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <thread>
 
@@ -63,18 +64,21 @@ void pureVirtualCall() {
     std::abort();  // not reached
 }
 
-void faultOnTwoThreads() {
+void faultOnTwoThreads(std::chrono::microseconds secondThreadDelay) {
     // A spinning barrier: both threads are running when it opens, so the
-    // two faults come within instructions of each other.
+    // two faults come within instructions of each other, or the delay apart.
     std::atomic<int> waiting{2};
-    auto fault = [&waiting] {
+    auto fault = [&waiting](std::chrono::microseconds delay) {
         waiting.fetch_sub(1);
         while (waiting.load() != 0) {
         }
+        auto const until = std::chrono::steady_clock::now() + delay;
+        while (std::chrono::steady_clock::now() < until) {
+        }
         accessViolation();
     };
-    std::thread first(fault);
-    std::thread second(fault);
+    std::thread first(fault, std::chrono::microseconds(0));
+    std::thread second(fault, secondThreadDelay);
     first.join();
     second.join();
     std::abort();  // not reached

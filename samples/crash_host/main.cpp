@@ -9,6 +9,8 @@
 //   pure-virtual           call a pure virtual function (ends in abort)
 //   run-exception-handler  hand captured registers to runExceptionHandler
 //   two-threads            two threads access address 0 at the same moment
+//   two-threads-apart      two threads access address 0, the second a random
+//                          0 to 20 ms after the first
 //   heap-corruption        free a block twice (glibc aborts holding its lock)
 //   replace-filter         install the host's own crash filter over the
 //                          library's, wait 1.5 s, then access address 0
@@ -74,6 +76,15 @@ void say(char const* text) { std::cout << "crash_host: " << text << std::endl; }
     stampFault();
     how();
     std::abort();  // every fault is [[noreturn]]; the pointer type can't say so
+}
+
+[[noreturn]] void faultOnTwoThreadsAtOnce() { faultOnTwoThreads(std::chrono::microseconds(0)); }
+
+// The second fault lands anywhere on the first one's way to the hand-over
+// and beyond: a few milliseconds natively, more under Wine.
+[[noreturn]] void faultOnTwoThreadsApart() {
+    std::random_device random;
+    faultOnTwoThreads(std::chrono::microseconds(random() % 20000));
 }
 
 int runHandlerDirectly() {
@@ -165,7 +176,9 @@ Kind const kKinds[] = {
     {"abort", "calling abort()", []() -> int { fault(callAbort); }, false},
     {"pure-virtual", "calling a pure virtual function", []() -> int { fault(pureVirtualCall); }, false},
     {"run-exception-handler", "handing captured registers to runExceptionHandler", runHandlerDirectly, false},
-    {"two-threads", "accessing address 0 on two threads at once", []() -> int { fault(faultOnTwoThreads); }, false},
+    {"two-threads", "accessing address 0 on two threads at once", []() -> int { fault(faultOnTwoThreadsAtOnce); }, false},
+    {"two-threads-apart", "accessing address 0 on two threads up to 20 ms apart",
+     []() -> int { fault(faultOnTwoThreadsApart); }, false},
     {"heap-corruption", "freeing a block twice", []() -> int { fault(corruptHeap); }, false},
     {"replace-filter", "replacing the library's crash filter", []() -> int { faultUnderReplacedFilter(); }, false},
     {"reset-threads", "counting threads around install and reset", countThreadsAroundInstall, true},
