@@ -64,18 +64,18 @@ void pureVirtualCall() {
     std::abort();  // not reached
 }
 
-void faultOnTwoThreads(std::chrono::microseconds secondThreadDelay) {
+void faultOnTwoThreads(void (*how)(), std::chrono::microseconds secondThreadDelay) {
     // A spinning barrier: both threads are running when it opens, so the
     // two faults come within instructions of each other, or the delay apart.
     std::atomic<int> waiting{2};
-    auto fault = [&waiting](std::chrono::microseconds delay) {
+    auto fault = [&waiting, how](std::chrono::microseconds delay) {
         waiting.fetch_sub(1);
         while (waiting.load() != 0) {
         }
         auto const until = std::chrono::steady_clock::now() + delay;
         while (std::chrono::steady_clock::now() < until) {
         }
-        accessViolation();
+        how();
     };
     std::thread first(fault, std::chrono::microseconds(0));
     std::thread second(fault, secondThreadDelay);

@@ -14,9 +14,9 @@ namespace crash_host {
 [[noreturn]] void divideByZero();
 [[noreturn]] void callAbort();
 [[noreturn]] void pureVirtualCall();
-// Two threads wait for each other at a barrier, then both access address 0,
-// the second after the given delay.
-[[noreturn]] void faultOnTwoThreads(std::chrono::microseconds secondThreadDelay);
+// Two threads wait for each other at a barrier, then both crash the given
+// way, the second after the given delay.
+[[noreturn]] void faultOnTwoThreads(void (*how)(), std::chrono::microseconds secondThreadDelay);
 // Frees a block twice. glibc notices under the heap's lock and aborts while
 // it still holds it; an allocator that doesn't notice gets an access
 // violation instead.

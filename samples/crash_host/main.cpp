@@ -11,6 +11,7 @@
 //   two-threads            two threads access address 0 at the same moment
 //   two-threads-apart      two threads access address 0, the second a random
 //                          0 to 20 ms after the first
+//   two-threads-abort      the same with abort() on both threads
 //   heap-corruption        free a block twice (glibc aborts holding its lock)
 //   replace-filter         install the host's own crash filter over the
 //                          library's, wait 1.5 s, then access address 0
@@ -78,14 +79,18 @@ void say(char const* text) { std::cout << "crash_host: " << text << std::endl; }
     std::abort();  // every fault is [[noreturn]]; the pointer type can't say so
 }
 
-[[noreturn]] void faultOnTwoThreadsAtOnce() { faultOnTwoThreads(std::chrono::microseconds(0)); }
+[[noreturn]] void faultOnTwoThreadsAtOnce() { faultOnTwoThreads(accessViolation, std::chrono::microseconds(0)); }
 
-// The second fault lands anywhere on the first one's way to the hand-over
+// The second crash lands anywhere on the first one's way to the hand-over
 // and beyond: a few milliseconds natively, more under Wine.
-[[noreturn]] void faultOnTwoThreadsApart() {
+std::chrono::microseconds randomDelayUpTo20Milliseconds() {
     std::random_device random;
-    faultOnTwoThreads(std::chrono::microseconds(random() % 20000));
+    return std::chrono::microseconds(random() % 20000);
 }
+
+[[noreturn]] void faultOnTwoThreadsApart() { faultOnTwoThreads(accessViolation, randomDelayUpTo20Milliseconds()); }
+
+[[noreturn]] void abortOnTwoThreadsApart() { faultOnTwoThreads(callAbort, randomDelayUpTo20Milliseconds()); }
 
 int runHandlerDirectly() {
     stampFault();
@@ -179,6 +184,8 @@ Kind const kKinds[] = {
     {"two-threads", "accessing address 0 on two threads at once", []() -> int { fault(faultOnTwoThreadsAtOnce); }, false},
     {"two-threads-apart", "accessing address 0 on two threads up to 20 ms apart",
      []() -> int { fault(faultOnTwoThreadsApart); }, false},
+    {"two-threads-abort", "calling abort() on two threads up to 20 ms apart",
+     []() -> int { fault(abortOnTwoThreadsApart); }, false},
     {"heap-corruption", "freeing a block twice", []() -> int { fault(corruptHeap); }, false},
     {"replace-filter", "replacing the library's crash filter", []() -> int { faultUnderReplacedFilter(); }, false},
     {"reset-threads", "counting threads around install and reset", countThreadsAroundInstall, true},

@@ -118,9 +118,9 @@ TEST(CrashOutcome, TwoThreadsFaultingAtOnceNeverHangAndHaveOneOwner) {
 // hooks off, while it does, or after: whenever it comes, it is held until
 // the owner has decided, and the process ends with one report. At once, the
 // faults meet in dumpMiniDump; apart, the second lands anywhere on the
-// owner's way.
+// owner's way. Two aborts take the abort hook's way instead of the filter's.
 TEST(CrashOutcome, TwoThreadsFaultingEndWithExitCode3AndOneReport) {
-    for (char const* kind : {"two-threads", "two-threads-apart"}) {
+    for (char const* kind : {"two-threads", "two-threads-apart", "two-threads-abort"}) {
         for (int attempt = 0; attempt < 30; ++attempt) {
             SCOPED_TRACE(std::string(kind) + ", attempt " + std::to_string(attempt));
             CrashRun run;

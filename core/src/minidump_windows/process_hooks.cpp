@@ -17,7 +17,13 @@ namespace {
 
 LONG WINAPI unhandledExceptionFilter(EXCEPTION_POINTERS* pointers) { return dumpMiniDump(pointers); }
 
-void raiseAbortException(int) { ::RaiseException(kAbortExceptionCode, 0, 0, nullptr); }
+// The run-time library sets SIGABRT back to its default before it calls a
+// handler; set at once again, so that an abort on another thread meanwhile
+// reaches the filter too instead of ending the process without a report.
+void raiseAbortException(int) {
+    std::signal(SIGABRT, raiseAbortException);
+    ::RaiseException(kAbortExceptionCode, 0, 0, nullptr);
+}
 
 void raisePureCallException() { ::RaiseException(kPureCallExceptionCode, 0, 0, nullptr); }
 
