@@ -22,6 +22,8 @@
 //                          NORVANE_LOG_DIR), then access address 0
 //   fault-during-reset     a second thread accesses address 0 at a random
 //                          moment of resetUnhandledExceptionHandler
+//   exit-during-crash      a thread accesses address 0 while the main thread
+//                          exits a random 0 to 20 ms later
 //   creation-log-writer    write CRASH_HOST_RECORDS creation-log records
 //                          marked with CRASH_HOST_WRITER, without installing
 //   none                   install, then exit normally
@@ -129,6 +131,12 @@ int countThreadsAroundInstall() {
     return 0;
 }
 
+void spinFor(std::chrono::microseconds delay) {
+    auto const until = std::chrono::steady_clock::now() + delay;
+    while (std::chrono::steady_clock::now() < until) {
+    }
+}
+
 // The fault lands before, during or after the reset; whichever it is, the
 // process ends (handled by the library, or the platform's way) and never hangs.
 int faultDuringReset() {
@@ -142,9 +150,7 @@ int faultDuringReset() {
         ready = true;
         while (!go) {
         }
-        auto const until = std::chrono::steady_clock::now() + delay;
-        while (std::chrono::steady_clock::now() < until) {
-        }
+        spinFor(delay);
         accessViolation();
     });
     while (!ready) {
@@ -153,6 +159,14 @@ int faultDuringReset() {
     norvane_1::resetUnhandledExceptionHandler();
     faulting.join();
     return 0;  // not reached: the thread's fault ends the process
+}
+
+// The host's exit lands anywhere in a crash on another thread; whichever
+// comes first, the process ends and never hangs.
+int exitDuringCrash() {
+    std::thread faulting(accessViolation);
+    spinFor(randomDelayUpTo20Milliseconds());
+    std::exit(0);
 }
 
 int faultWithCustomSections() {
@@ -193,6 +207,7 @@ Kind const kKinds[] = {
      false},
     {"custom-sections", "registering two custom sections, then accessing address 0", faultWithCustomSections, false},
     {"fault-during-reset", "accessing address 0 while crash handling is reset", faultDuringReset, false},
+    {"exit-during-crash", "exiting while another thread's crash is handled", exitDuringCrash, false},
     {"creation-log-writer", "writing creation-log records", writeRecords, true},
     {"none", "exiting normally", []() -> int { return 0; }, false},
 };

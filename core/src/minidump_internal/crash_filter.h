@@ -22,7 +22,8 @@ void holdLateFault();
 
 // Held by the remove step while it takes crash handling down. Taking it
 // waits until a crash already in progress has been decided (forever when
-// that crash ends the process). While it is held, a fault on any thread is
+// that crash ends the process), except at process exit, when the crash's
+// threads may be gone. While it is held, a fault on any thread is
 // passed on at once: the state it would need is being torn down.
 class CrashHandlingRemoval {
 public:

@@ -109,8 +109,10 @@ CrashHandlingRemoval::CrashHandlingRemoval() {
             return;
         }
         // A crash that was passed on is over: its hooks are off and its
-        // worker has ended, so there is nothing left to wait for.
-        if (expected != kRemoval && g_crashPassedOn) return;
+        // worker has ended, so there is nothing left to wait for. Nor is
+        // there at process exit: on Windows the system has ended the crash's
+        // threads before the library is detached, so it will never be decided.
+        if (expected != kRemoval && (g_crashPassedOn || g_processExiting)) return;
         if (expected == kRemoval) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));  // another remove step
         } else {
