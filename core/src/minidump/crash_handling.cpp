@@ -8,6 +8,9 @@
 #include "logging/logging.h"
 #include "minidump_internal/crash_filter.h"
 #include "minidump_internal/filter_upkeep.h"
+#include "minidump_problem_report_storage/report_text_preparation.h"
+
+#include <ostrel2/product_locations.h>
 
 #include <csignal>
 #include <cstdlib>
@@ -25,9 +28,14 @@ void destroyHandlerObject() {
 }
 
 // Made at the first call and destroyed at process exit, which takes crash
-// handling off the process before the library goes.
+// handling off the process before the library goes, or, with a crash in
+// progress, waits for it to end the process. Static objects the worker uses
+// are made before the destruction is registered: exit() destroys them after
+// it, never under a worker still writing the report.
 ActualExceptionHandler& handlerObject() {
     if (g_handlerObject == nullptr) {
+        internal::prepareReportText();
+        ostrel2::IProductLocations::get();
         g_handlerObject = new ActualExceptionHandler();
         std::atexit(destroyHandlerObject);
     }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <string_view>
 
 namespace norvane_1 {
 namespace {
@@ -33,7 +34,7 @@ std::string readField(std::string const& text, std::size_t& at) {
 }
 
 std::string filePath(std::string path) {
-    static std::string const kDeleted = " (deleted)";
+    constexpr std::string_view kDeleted = " (deleted)";
     if (path.empty() || path[0] != '/') return std::string();
     if (path.size() > kDeleted.size() && path.compare(path.size() - kDeleted.size(), kDeleted.size(), kDeleted) == 0) {
         path.resize(path.size() - kDeleted.size());
