@@ -64,6 +64,12 @@ void pureVirtualCall() {
     std::abort();  // not reached
 }
 
+void spinFor(std::chrono::microseconds delay) {
+    auto const until = std::chrono::steady_clock::now() + delay;
+    while (std::chrono::steady_clock::now() < until) {
+    }
+}
+
 void faultOnTwoThreads(void (*how)(), std::chrono::microseconds secondThreadDelay) {
     // A spinning barrier: both threads are running when it opens, so the
     // two faults come within instructions of each other, or the delay apart.
@@ -72,9 +78,7 @@ void faultOnTwoThreads(void (*how)(), std::chrono::microseconds secondThreadDela
         waiting.fetch_sub(1);
         while (waiting.load() != 0) {
         }
-        auto const until = std::chrono::steady_clock::now() + delay;
-        while (std::chrono::steady_clock::now() < until) {
-        }
+        spinFor(delay);
         how();
     };
     std::thread first(fault, std::chrono::microseconds(0));

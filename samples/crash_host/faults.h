@@ -14,6 +14,10 @@ namespace crash_host {
 [[noreturn]] void divideByZero();
 [[noreturn]] void callAbort();
 [[noreturn]] void pureVirtualCall();
+// Waits without sleeping, so that the moment after it is exact to within
+// microseconds rather than a scheduler's tick.
+void spinFor(std::chrono::microseconds delay);
+
 // Two threads wait for each other at a barrier, then both crash the given
 // way, the second after the given delay.
 [[noreturn]] void faultOnTwoThreads(void (*how)(), std::chrono::microseconds secondThreadDelay);

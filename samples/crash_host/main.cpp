@@ -131,12 +131,6 @@ int countThreadsAroundInstall() {
     return 0;
 }
 
-void spinFor(std::chrono::microseconds delay) {
-    auto const until = std::chrono::steady_clock::now() + delay;
-    while (std::chrono::steady_clock::now() < until) {
-    }
-}
-
 // The fault lands before, during or after the reset; whichever it is, the
 // process ends (handled by the library, or the platform's way) and never hangs.
 int faultDuringReset() {
