@@ -133,22 +133,33 @@ TEST(CrashOutcome, TwoThreadsFaultingEndWithExitCode3AndOneReport) {
 }
 
 // A fault that meets the reset half-way is either handled or left to the
-// platform, never stuck between the two; so is one that meets the host's
-// exit. An exit that comes first ends the process its own way.
-TEST(CrashOutcome, FaultDuringResetOrExitEndsTheProcess) {
-    for (char const* kind : {"fault-during-reset", "exit-during-crash"}) {
-        for (int attempt = 0; attempt < 20; ++attempt) {
-            SCOPED_TRACE(std::string(kind) + ", attempt " + std::to_string(attempt));
-            CrashRun run;
-            run.set("ASAN_OPTIONS", std::string("handle_segv=0"));
-            norvane_test::ChildOutcome const outcome = run.run(kind);
-            ASSERT_TRUE(outcome.finished) << "the host hung";
-            bool const exitedFirst =
-                std::string(kind) == "exit-during-crash" && outcome.exited && outcome.exitCode == 0;
-            EXPECT_TRUE(crash_test::handledByLibrary(outcome) || crash_test::endedByPlatformAccessViolation(outcome) ||
-                        exitedFirst)
-                << norvane_test::describe(outcome);
-        }
+// platform, never stuck between the two.
+TEST(CrashOutcome, FaultDuringResetEndsTheProcess) {
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        CrashRun run;
+        run.set("ASAN_OPTIONS", std::string("handle_segv=0"));
+        norvane_test::ChildOutcome const outcome = run.run("fault-during-reset");
+        ASSERT_TRUE(outcome.finished) << "the host hung, attempt " << attempt;
+        EXPECT_TRUE(crash_test::handledByLibrary(outcome) || crash_test::endedByPlatformAccessViolation(outcome))
+            << norvane_test::describe(outcome) << ", attempt " << attempt;
+    }
+}
+
+// The host's exit meets another thread's crash: the crash is handled, left
+// to the platform, or the exit comes first; the process never hangs. No
+// handler is started: under Wine a child started as its parent is ended can
+// stay stuck in its start-up for good, holding the test's output open.
+TEST(CrashOutcome, ExitDuringACrashEndsTheProcess) {
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        CrashRun run;
+        run.set("ASAN_OPTIONS", std::string("handle_segv=0"));
+        run.set("NORVANE_CRASH_HANDLER", (run.scratch() / "no handler").u8string());
+        norvane_test::ChildOutcome const outcome = run.run("exit-during-crash");
+        ASSERT_TRUE(outcome.finished) << "the host hung, attempt " << attempt;
+        bool const exitedFirst = outcome.exited && outcome.exitCode == 0;
+        EXPECT_TRUE(crash_test::handledByLibrary(outcome) || crash_test::endedByPlatformAccessViolation(outcome) ||
+                    exitedFirst)
+            << norvane_test::describe(outcome) << ", attempt " << attempt;
     }
 }
 
