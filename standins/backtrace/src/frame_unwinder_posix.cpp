@@ -1,0 +1,142 @@
+// Unwinding with libunwind, on Linux. POSIX code only.
+//
+// The walk runs on one thread over the stack of another that waits: it reads
+// that stack in place. libunwind's own local mode would read any address its
+// unwind rules compute, and a damaged stack would make the walk fault; so the
+// walk uses an address space of its own, with libunwind's local ways of
+// finding unwind information but with reads that first ask a snapshot of the
+// process's mappings, and with registers that come from the saved context
+// rather than from the walking thread.
+#include "frame_unwinder.h"
+
+#include "readable_memory_posix.h"
+
+#include <libunwind.h>
+
+#include <cstring>
+
+namespace bt {
+namespace {
+
+using Register = std::uint64_t norvane_1::Context::*;
+
+// The context's field for each of libunwind's x86-64 register numbers.
+Register registerField(unw_regnum_t number) {
+    switch (number) {
+        case UNW_X86_64_RAX: return &norvane_1::Context::EAX;
+        case UNW_X86_64_RDX: return &norvane_1::Context::EDX;
+        case UNW_X86_64_RCX: return &norvane_1::Context::ECX;
+        case UNW_X86_64_RBX: return &norvane_1::Context::EBX;
+        case UNW_X86_64_RSI: return &norvane_1::Context::ESI;
+        case UNW_X86_64_RDI: return &norvane_1::Context::EDI;
+        case UNW_X86_64_RBP: return &norvane_1::Context::EBP;
+        case UNW_X86_64_RSP: return &norvane_1::Context::ESP;
+        case UNW_X86_64_R8: return &norvane_1::Context::R8;
+        case UNW_X86_64_R9: return &norvane_1::Context::R9;
+        case UNW_X86_64_R10: return &norvane_1::Context::R10;
+        case UNW_X86_64_R11: return &norvane_1::Context::R11;
+        case UNW_X86_64_R12: return &norvane_1::Context::R12;
+        case UNW_X86_64_R13: return &norvane_1::Context::R13;
+        case UNW_X86_64_R14: return &norvane_1::Context::R14;
+        case UNW_X86_64_R15: return &norvane_1::Context::R15;
+        case UNW_X86_64_RIP: return &norvane_1::Context::EIP;
+        default: return nullptr;
+    }
+}
+
+constexpr unw_regnum_t kRegisterCount = UNW_X86_64_RIP + 1;
+
+class LibunwindUnwinder final : public FrameUnwinder {
+public:
+    explicit LibunwindUnwinder(ReadableMemory memory) : m_memory(std::move(memory)) {
+        unw_accessors_t accessors = *unw_get_accessors(unw_local_addr_space);
+        accessors.access_mem = accessMemory;
+        accessors.access_reg = accessRegister;
+        accessors.access_fpreg = accessFloatRegister;
+        accessors.resume = resume;
+        accessors.get_proc_name = procedureName;
+        m_space = unw_create_addr_space(&accessors, 0);
+        if (m_space) unw_set_caching_policy(m_space, UNW_CACHE_GLOBAL);
+    }
+    ~LibunwindUnwinder() override {
+        if (m_space) unw_destroy_addr_space(m_space);
+    }
+    LibunwindUnwinder(LibunwindUnwinder const&) = delete;
+    LibunwindUnwinder& operator=(LibunwindUnwinder const&) = delete;
+
+    bool ready() const { return m_space != nullptr && !m_memory.empty(); }
+
+    bool start(norvane_1::Context const& registers) override {
+        m_registers = registers;
+        return unw_init_remote(&m_cursor, m_space, this) == 0;
+    }
+
+    // Code without unwind information stops the walk here, before libunwind
+    // would guess at a frame-pointer chain.
+    Step step(std::uint64_t& instructionPointer, std::uint64_t& stackPointer) override {
+        unw_proc_info_t procedure;
+        if (unw_get_proc_info(&m_cursor, &procedure) != 0) return Step::stopped;
+        int const moved = unw_step(&m_cursor);
+        if (moved == 0) return Step::end;
+        unw_word_t instruction = 0;
+        unw_word_t stack = 0;
+        if (moved < 0 || unw_get_reg(&m_cursor, UNW_REG_IP, &instruction) != 0 ||
+            unw_get_reg(&m_cursor, UNW_REG_SP, &stack) != 0) {
+            return Step::stopped;
+        }
+        instructionPointer = instruction;
+        stackPointer = stack;
+        return Step::caller;
+    }
+
+    norvane_1::Context registers() override {
+        norvane_1::Context registers = m_registers;
+        for (unw_regnum_t number = 0; number < kRegisterCount; ++number) {
+            unw_word_t value = 0;
+            if (unw_get_reg(&m_cursor, number, &value) == 0) registers.*registerField(number) = value;
+        }
+        return registers;
+    }
+
+    bool read(std::uint64_t address, void* buffer, std::size_t size) override {
+        if (!m_memory.holds(address, size)) return false;
+        std::memcpy(buffer, reinterpret_cast<void const*>(address), size);
+        return true;
+    }
+
+private:
+    static LibunwindUnwinder& self(void* argument) { return *static_cast<LibunwindUnwinder*>(argument); }
+
+    static int accessMemory(unw_addr_space_t, unw_word_t address, unw_word_t* value, int write, void* argument) {
+        if (write != 0) return -UNW_EREADONLYREG;
+        return self(argument).read(address, value, sizeof *value) ? 0 : -UNW_EINVAL;
+    }
+
+    static int accessRegister(unw_addr_space_t, unw_regnum_t number, unw_word_t* value, int write, void* argument) {
+        Register const field = registerField(number);
+        if (write != 0 || field == nullptr) return -UNW_EBADREG;
+        *value = self(argument).m_registers.*field;
+        return 0;
+    }
+
+    static int accessFloatRegister(unw_addr_space_t, unw_regnum_t, unw_fpreg_t*, int, void*) { return -UNW_EBADREG; }
+    static int resume(unw_addr_space_t, unw_cursor_t*, void*) { return -UNW_EINVAL; }
+    static int procedureName(unw_addr_space_t, unw_word_t, char*, std::size_t, unw_word_t*, void*) {
+        return -UNW_ENOINFO;
+    }
+
+    ReadableMemory m_memory;
+    unw_addr_space_t m_space = nullptr;
+    unw_cursor_t m_cursor{};
+    norvane_1::Context m_registers;
+};
+
+}  // namespace
+
+std::unique_ptr<FrameUnwinder> createLocalUnwinder() {
+    auto unwinder = std::make_unique<LibunwindUnwinder>(ReadableMemory::ofThisProcess());
+    if (!unwinder->ready()) return nullptr;
+    return unwinder;
+}
+
+}  // namespace bt

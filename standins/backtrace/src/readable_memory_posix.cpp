@@ -1,0 +1,56 @@
+// POSIX code only.
+#include "readable_memory_posix.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace bt {
+namespace {
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+// "begin-end perms offset device inode [path]". The kernel's own time pages
+// ("[vvar]", "[vvar_vclock]") are listed readable, yet parts of them fault
+// when read.
+bool readableMapping(char const* line, std::uint64_t& begin, std::uint64_t& end) {
+    char permissions[5] = {};
+    if (std::sscanf(line, "%" SCNx64 "-%" SCNx64 " %4s", &begin, &end, permissions) != 3) return false;
+    return permissions[0] == 'r' && end > begin && std::strstr(line, "[vvar") == nullptr;
+}
+
+}  // namespace
+
+ReadableMemory ReadableMemory::ofThisProcess() {
+    ReadableMemory memory;
+    std::unique_ptr<std::FILE, FileCloser> maps(std::fopen("/proc/self/maps", "re"));
+    if (!maps) return memory;
+    char line[4096];
+    while (std::fgets(line, sizeof line, maps.get())) {
+        Range range{};
+        if (!readableMapping(line, range.begin, range.end)) continue;
+        if (!memory.m_ranges.empty() && memory.m_ranges.back().end == range.begin) {
+            memory.m_ranges.back().end = range.end;
+        } else {
+            memory.m_ranges.push_back(range);
+        }
+        // A line longer than the buffer: skip the rest of it.
+        while (std::strchr(line, '\n') == nullptr && std::fgets(line, sizeof line, maps.get())) {
+        }
+    }
+    return memory;
+}
+
+bool ReadableMemory::holds(std::uint64_t address, std::size_t size) const {
+    auto const above = std::upper_bound(m_ranges.begin(), m_ranges.end(), address,
+                                        [](std::uint64_t a, Range const& r) { return a < r.begin; });
+    if (above == m_ranges.begin()) return false;
+    Range const& range = *(above - 1);
+    return address < range.end && size <= range.end - address;
+}
+
+}  // namespace bt
