@@ -35,6 +35,8 @@ class unique_lock;
 
 namespace norvane_1 {
 
+struct MinidumpModuleMap;
+
 // The facts of one crash, from the worker thread to the ExceptionHandler.
 struct DumpInfo {
     Exception exception;
@@ -95,6 +97,19 @@ public:
 
     // Writes the report to DumpInfo::crashInfoPath. Always true.
     bool exportCrashInfo(DumpInfo const& info);
+
+    // The in-process collection, on the worker (collect mode 1) or on the
+    // task service's thread (the fallback): this process's modules, the
+    // crashed thread's stack read while that thread waits, the exception's
+    // module and the product facts, into the report. False when the module
+    // map or the stack can't be had; what was found stays in the report.
+    bool inProcessStackCollect(DumpInfo& info);
+    // On the handler process's request: reads "crash_info.txt" back and,
+    // when it lacks the crashed thread's stack, collects it and writes the
+    // file anew. A file with that stack is left alone.
+    void fallbackInProcess(DumpInfo& info);
+    // A module record for each entry of the map (see addModuleInfo).
+    void storeModuleInfo(MinidumpModuleMap* map, bool skipKnown);
 
     // The crash work of the worker thread.
     virtual bool run() = 0;

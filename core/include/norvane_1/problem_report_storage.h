@@ -26,6 +26,7 @@
 #include <gavrel2/path.h>
 #include <gavrel2/variant.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -170,6 +171,9 @@ protected:
     std::wstring processPropertiesToString() const;
 
     bool removeModule(ModuleInfo const& module);
+    // After the list has shrunk from `formerCount` records to `count`: drops
+    // the sections of the positions gone and makes both indexes anew.
+    void forgetModulesFrom(std::size_t count, std::size_t formerCount);
     // The module whose Base..End (End included) holds the address; empty if none.
     gavrel2::path_t getModulePath(std::uint64_t address) const;
 

@@ -38,9 +38,8 @@ bool HandlerState::processSavedCrash(SavedCrash const& crash, char const* runLab
     m_context = crash.registers;
 
     if (m_collectMode == 1) {
-        // The in-process stack collection joins here once it exists; the
-        // report then carries the stack and the handler needn't read it.
         NORVANE_LOG_INFO(logger, L"Performing in-proc stack collect...");
+        inProcessStackCollect(m_dumpInfo);
     }
     NORVANE_LOG_INFO(logger, L"Exporting crash info...");
     exportCrashInfo(m_dumpInfo);

@@ -7,6 +7,7 @@
 #include "logging/logging.h"
 #include "module_section_names.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace norvane_1 {
@@ -65,32 +66,42 @@ bool ProblemReportStorage::SyncModuleMapWithStackMap() {
         return false;
     }
     NORVANE_LOG_INFO(logger, L"Input module map size: " << m_moduleInfo.size());
-    for (std::size_t position = m_moduleInfo.size(); position > 0; --position) {
-        ModuleInfo const module = m_moduleInfo[position - 1];
-        if (!stacksPassThrough(module, m_stackFramesMap, m_stackMap)) removeModule(module);
-    }
+    std::size_t const before = m_moduleInfo.size();
+    auto const kept = std::remove_if(m_moduleInfo.begin(), m_moduleInfo.end(), [this](ModuleInfo const& module) {
+        return !stacksPassThrough(module, m_stackFramesMap, m_stackMap);
+    });
+    m_moduleInfo.erase(kept, m_moduleInfo.end());
+    forgetModulesFrom(m_moduleInfo.size(), before);
     NORVANE_LOG_INFO(logger, L"Output module map size: " << m_moduleInfo.size());
     return true;
 }
 
+// Removes the record itself, found by its Begin, so that of a module with
+// several code ranges the right one goes.
 bool ProblemReportStorage::removeModule(ModuleInfo const& module) {
     auto const byAddress = m_moduleAddressIndex.find(module.Begin);
     if (byAddress == m_moduleAddressIndex.end()) return false;
-    auto const byName = m_moduleNameIndex.find(module.FullName);
-    if (byName == m_moduleNameIndex.end()) return false;
-    std::uint64_t const position = byName->second;
-    m_moduleAddressIndex.erase(byAddress);
-    m_moduleNameIndex.erase(byName);
+    auto const position = static_cast<std::size_t>(byAddress->second);
+    if (m_moduleInfo[position].FullName != module.FullName) return false;
+    std::size_t const before = m_moduleInfo.size();
     m_moduleInfo.erase(m_moduleInfo.begin() + static_cast<std::ptrdiff_t>(position));
-    // The records behind the removed one move forward by one.
-    for (auto& entry : m_moduleAddressIndex) {
-        if (entry.second > position) --entry.second;
-    }
-    for (auto& entry : m_moduleNameIndex) {
-        if (entry.second > position) --entry.second;
-    }
-    m_sections.erase(internal::moduleSectionName(static_cast<std::size_t>(position)));
+    forgetModulesFrom(m_moduleInfo.size(), before);
     return true;
+}
+
+// After records left the list: the indexes are made anew from the positions
+// that remain, and the sections of the positions that are gone are dropped
+// (toString writes the others from the records).
+void ProblemReportStorage::forgetModulesFrom(std::size_t count, std::size_t formerCount) {
+    for (std::size_t position = count; position < formerCount; ++position) {
+        m_sections.erase(internal::moduleSectionName(position));
+    }
+    m_moduleAddressIndex.clear();
+    m_moduleNameIndex.clear();
+    for (std::size_t position = 0; position < m_moduleInfo.size(); ++position) {
+        m_moduleAddressIndex[m_moduleInfo[position].Begin] = position;
+        m_moduleNameIndex[m_moduleInfo[position].FullName] = position;
+    }
 }
 
 bool ProblemReportStorage::findModule(std::uint64_t address, ModuleInfo& module) const {

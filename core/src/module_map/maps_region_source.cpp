@@ -54,7 +54,9 @@ bool parseMapsLine(std::string const& line, MapsLine& mapping) {
     if (permissions.size() < 4 || inode.empty() || mapping.end <= mapping.begin) return false;
     mapping.executable = permissions[2] == 'x';
     std::size_t const path = line.find_first_not_of(' ', at);
-    mapping.file = path == std::string::npos ? std::string() : filePath(line.substr(path));
+    std::string const name = path == std::string::npos ? std::string() : line.substr(path);
+    mapping.readable = permissions[0] == 'r' && name.rfind("[vvar", 0) != 0;
+    mapping.file = filePath(name);
     mapping.identity = device + " " + inode;
     return true;
 }
@@ -84,20 +86,21 @@ void MapsRegionSource::collectRegions(std::vector<MapsLine> const& mappings) {
     std::uint64_t covered = 0;
     for (MapsLine const& mapping : mappings) {
         if (mapping.begin < covered) continue;  // the kernel never overlaps them; a damaged list might
-        if (mapping.begin > covered) addRegion(covered, mapping.begin - covered, true, false);
-        addRegion(mapping.begin, mapping.end - mapping.begin, false, mapping.executable);
+        if (mapping.begin > covered) addRegion(covered, mapping.begin - covered, true, nullptr);
+        addRegion(mapping.begin, mapping.end - mapping.begin, false, &mapping);
         covered = mapping.end;
     }
     // The rest of the address space is free; its size wraps to reach 2^64.
-    if (covered != 0) addRegion(covered, 0 - covered, true, false);
+    if (covered != 0) addRegion(covered, 0 - covered, true, nullptr);
 }
 
 // A gap inside an image is part of it: reserved, not free.
-void MapsRegionSource::addRegion(std::uint64_t begin, std::uint64_t size, bool free, bool executable) {
+void MapsRegionSource::addRegion(std::uint64_t begin, std::uint64_t size, bool free, MapsLine const* mapping) {
     MemoryRegion region;
     region.base = begin;
     region.size = size;
-    region.executable = executable;
+    region.executable = mapping && mapping->executable;
+    region.readable = mapping && mapping->readable;
     Image const* image = imageAt(begin);
     region.free = free && image == nullptr;
     region.allocationBase = image ? image->begin : (region.free ? 0 : begin);

@@ -20,6 +20,8 @@ struct MapsLine {
     std::uint64_t begin = 0;
     std::uint64_t end = 0;
     bool executable = false;
+    bool readable = false;  // the kernel's time pages ("[vvar]", "[vvar_vclock]") are listed
+                            // readable, yet parts of them fault when read
     std::string file;  // the mapped file's path, or empty when not a file ("[heap]", anonymous)
     std::string identity;  // device and inode, which tell two files of one name apart
 };
@@ -44,7 +46,7 @@ private:
     void collectImages(std::vector<MapsLine> const& mappings);
     void collectRegions(std::vector<MapsLine> const& mappings);
     Image const* imageAt(std::uint64_t address) const;
-    void addRegion(std::uint64_t begin, std::uint64_t size, bool free, bool executable);
+    void addRegion(std::uint64_t begin, std::uint64_t size, bool free, MapsLine const* mapping);
 
     std::vector<Image> m_images;
     std::map<std::uint64_t, std::wstring> m_names;  // image base -> file

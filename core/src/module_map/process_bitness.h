@@ -6,12 +6,9 @@
 namespace norvane_1 {
 
 // IsWow64Process, looked up in kernel32 at each call; false where the
-// system lacks it or the query fails.
+// system lacks it or the query fails. (Whether the process is a 32-bit one
+// is the back-trace library's is32.)
 bool isWow64Process(void* process);
-
-// Stands in for the back-trace library's is32(): a process is 32-bit
-// exactly when it runs under WOW64 on this 64-bit build.
-bool is32Process(void* process);
 
 // The path a 32-bit process really loaded for a module that the system
 // reports under "System32": the same file under "SysWOW64". False, with the

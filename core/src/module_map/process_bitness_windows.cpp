@@ -14,8 +14,4 @@ bool isWow64Process(void* process) {
     return query != nullptr && query(static_cast<HANDLE>(process), &wow64) && wow64;
 }
 
-bool is32Process(void* process) {
-    return isWow64Process(process);
-}
-
 }  // namespace norvane_1

@@ -19,6 +19,7 @@ struct MemoryRegion {
     std::uint64_t size = 0;
     bool free = false;        // nothing there at all
     bool executable = false;  // code may run there
+    bool readable = false;    // committed and readable: a read there can't fault
 };
 
 class RegionSource {

@@ -4,6 +4,8 @@
 
 #include "process_bitness.h"
 
+#include <backtrace/is32_windows.h>
+
 #include <windows.h>
 #include <psapi.h>
 
@@ -13,6 +15,12 @@ namespace {
 constexpr DWORD kQueryAndRead = PROCESS_QUERY_INFORMATION | PROCESS_VM_READ;  // 0x410
 constexpr DWORD kNameCapacity = 260;
 constexpr DWORD kExecutePages = 0xF0;  // every PAGE_EXECUTE* protection
+
+// A protection of 0 (reserved memory) or with the no-access bit can't be
+// read; nor can a guard page, whose first touch raises an exception.
+bool readableProtection(DWORD protection) {
+    return protection != 0 && (protection & (PAGE_NOACCESS | PAGE_GUARD)) == 0;
+}
 
 class WindowsRegionSource : public RegionSource {
 public:
@@ -35,6 +43,7 @@ public:
         region.size = info.RegionSize;
         region.free = info.State == MEM_FREE;
         region.executable = (info.Protect & kExecutePages) != 0;
+        region.readable = info.State == MEM_COMMIT && readableProtection(info.Protect);
         return true;
     }
 
@@ -45,7 +54,7 @@ public:
                                        : ::GetModuleFileNameW(module, buffer, kNameCapacity);
         if (length == 0) return false;
         name.assign(buffer, length);
-        if (m_process && isWow64Process(m_process) && is32Process(m_process)) correctWow64ModulePath(name);
+        if (m_process && isWow64Process(m_process) && bt::is32(m_process)) correctWow64ModulePath(name);
         return true;
     }
 

@@ -6,6 +6,8 @@ set(NORVANE_MODULE_MAP_SOURCES
     src/module_map/module_map.cpp
     src/module_map/module_scan.cpp
     src/module_map/pe_image.cpp
+    src/module_map/stack_capture.cpp
+    src/module_map/stack_scan.cpp
     src/module_map/wow64_path.cpp)
 if(WIN32)
     list(APPEND NORVANE_MODULE_MAP_SOURCES
