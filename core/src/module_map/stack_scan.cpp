@@ -9,7 +9,7 @@
 
 #include <backtrace/bt_helper.h>
 
-#include <cstring>
+#include <cstddef>
 
 namespace norvane_1 {
 namespace {
@@ -20,6 +20,18 @@ constexpr std::uint64_t kNeighbourhood = 128;  // bytes looked at on each side o
 constexpr std::uint64_t kGuardReach = 64 * 1024;
 
 std::uint64_t behind(MemoryRegion const& region) { return region.base + region.size; }
+
+// Another thread's stack holds the address sanitizer's poisoned zones, and a
+// word may point anywhere: these reads are meant, so they bypass its checks
+// (and memcpy, which it intercepts). The regions were found readable.
+__attribute__((no_sanitize("address"))) std::uint64_t wordAt(std::uint64_t address) {
+    return *reinterpret_cast<std::uint64_t const volatile*>(address);
+}
+
+__attribute__((no_sanitize("address"))) void copyFrom(std::uint64_t address, unsigned char* to, std::size_t size) {
+    auto const* from = reinterpret_cast<unsigned char const volatile*>(address);
+    for (std::size_t i = 0; i < size; ++i) to[i] = from[i];
+}
 
 // The last region asked for is asked again and again: words of one frame
 // point into the same few regions.
@@ -48,7 +60,7 @@ bool looksLikeReturnAddress(std::uint64_t word, std::uint64_t slot, StackExtent 
     if (!regions.readable(word - kNeighbourhood)) return false;                           // c.
     if (!regions.readable(word + kNeighbourhood)) return false;                           // d.
     unsigned char code[2 * kNeighbourhood];                                               // e.
-    std::memcpy(code, reinterpret_cast<void const*>(word - kNeighbourhood), sizeof code);
+    copyFrom(word - kNeighbourhood, code, sizeof code);
     return bt::isCallInstruction(word, code + kNeighbourhood, &map);
 }
 
@@ -82,7 +94,7 @@ RawStack scanStack(RegionSource& source, StackExtent const& extent, MinidumpModu
         if (!region->readable) continue;
         std::uint64_t const low = region->base > extent.pointer ? region->base : extent.pointer;
         for (std::uint64_t slot = behind(*region) - kSlot; slot >= low && slot < behind(*region); slot -= kSlot) {
-            std::uint64_t const word = *reinterpret_cast<std::uint64_t const*>(slot);
+            std::uint64_t const word = wordAt(slot);
             if (looksLikeReturnAddress(word, slot, extent, found, regions, map)) found[slot] = word;
         }
     }

@@ -13,7 +13,7 @@
 
 #include <libunwind.h>
 
-#include <cstring>
+#include <cstddef>
 
 namespace bt {
 namespace {
@@ -46,6 +46,15 @@ Register registerField(unw_regnum_t number) {
 
 constexpr unw_regnum_t kRegisterCount = UNW_X86_64_RIP + 1;
 
+// The stack of another thread holds the address sanitizer's poisoned zones:
+// these reads are meant, so they bypass its checks (and memcpy, which it
+// intercepts). The snapshot said the memory is mapped readable.
+__attribute__((no_sanitize("address"))) void copyFrom(std::uint64_t address, void* buffer, std::size_t size) {
+    auto const* from = reinterpret_cast<unsigned char const volatile*>(address);
+    auto* to = static_cast<unsigned char*>(buffer);
+    for (std::size_t i = 0; i < size; ++i) to[i] = from[i];
+}
+
 class LibunwindUnwinder final : public FrameUnwinder {
 public:
     explicit LibunwindUnwinder(ReadableMemory memory) : m_memory(std::move(memory)) {
@@ -74,8 +83,7 @@ public:
     // Code without unwind information stops the walk here, before libunwind
     // would guess at a frame-pointer chain.
     Step step(std::uint64_t& instructionPointer, std::uint64_t& stackPointer) override {
-        unw_proc_info_t procedure;
-        if (unw_get_proc_info(&m_cursor, &procedure) != 0) return Step::stopped;
+        if (!hasUnwindInformation()) return Step::stopped;
         int const moved = unw_step(&m_cursor);
         if (moved == 0) return Step::end;
         unw_word_t instruction = 0;
@@ -100,11 +108,22 @@ public:
 
     bool read(std::uint64_t address, void* buffer, std::size_t size) override {
         if (!m_memory.holds(address, size)) return false;
-        std::memcpy(buffer, reinterpret_cast<void const*>(address), size);
+        copyFrom(address, buffer, size);
         return true;
     }
 
 private:
+    // Where it finds none, libunwind describes a procedure of one byte at
+    // the instruction itself rather than fail.
+    bool hasUnwindInformation() {
+        unw_proc_info_t procedure;
+        unw_word_t instruction = 0;
+        if (unw_get_proc_info(&m_cursor, &procedure) != 0 || unw_get_reg(&m_cursor, UNW_REG_IP, &instruction) != 0) {
+            return false;
+        }
+        return !(procedure.start_ip == instruction && procedure.end_ip == instruction + 1);
+    }
+
     static LibunwindUnwinder& self(void* argument) { return *static_cast<LibunwindUnwinder*>(argument); }
 
     static int accessMemory(unw_addr_space_t, unw_word_t address, unw_word_t* value, int write, void* argument) {

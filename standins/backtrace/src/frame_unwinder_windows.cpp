@@ -10,6 +10,8 @@
 // then reports the fault instead of returning twice unnoticed.
 #include "frame_unwinder.h"
 
+#include "epilogue_check_windows.h"
+
 #include <windows.h>
 
 #include <mutex>
@@ -41,13 +43,18 @@ LONG CALLBACK resumeAfterFault(EXCEPTION_POINTERS* pointers) {
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
-// Returns a second time, with `faulted` set, when RtlVirtualUnwind faults.
-// Nothing after the capture may rely on a register that the unwind changed.
+// Returns a second time, with `faulted` set, when RtlVirtualUnwind (or the
+// look at the code before it) faults. Nothing after the capture may rely on
+// a register that the unwind changed.
 __attribute__((noinline)) bool guardedUnwind(DWORD64 imageBase, PRUNTIME_FUNCTION function, CONTEXT* context) {
     g_guard.faulted = 0;
     ::RtlCaptureContext(&g_guard.resume);
     if (g_guard.faulted) return false;
     g_guard.armed = 1;
+    if (!epilogueSearchEnds(reinterpret_cast<unsigned char const*>(context->Rip), imageBase, *function)) {
+        g_guard.armed = 0;
+        return false;
+    }
     PVOID handlerData = nullptr;
     DWORD64 establisherFrame = 0;
     ::RtlVirtualUnwind(UNW_FLAG_NHANDLER, imageBase, context->Rip, function, context, &handlerData,

@@ -8,17 +8,24 @@
 // exact.
 // "?" (kFrameScanned): unwinding could go no further (code without unwind
 // information, a frame whose memory can't be read, an answer that is no
-// return address), and this is the next word above that point that the scan
-// of the stack took for a return address: in a module's code, behind a call
+// return address), and this is a word above that point that the scan of the
+// stack took for a return address: in a module's code, behind a call
 // instruction. It may be stale, left from a call that has returned.
-// Unwinding resumes from each "?" frame, so the "+" frames above one rest on
-// it: they are as sure as it is.
 // The frame at the fault itself ("!") is not the walk's: the collection adds
 // it from the exception.
 //
-// Every frame found must stand higher on the stack than the one before, so a
-// walk always ends; one that meets garbage falls back on the scan, which
-// goes upward too.
+// How the walk goes on after unwinding stops
+// ------------------------------------------
+// Every scanned return address above the point where unwinding stopped
+// becomes a "?" frame, in order, none skipped, until the scan and the unwind
+// information agree: when unwinding from a "?" frame finds as its caller
+// exactly the next scanned return address, in exactly the next scanned slot,
+// that caller is a "+" frame and unwinding goes on from it. Resuming from
+// every "?" frame instead would let one stale address send the unwinder
+// over the real frames above it; waiting for the two to agree keeps those.
+//
+// Every frame found stands higher on the stack than the one before, so a
+// walk always ends.
 #include "stack_walk.h"
 
 #include <backtrace/bt_helper.h>
@@ -32,6 +39,8 @@ namespace {
 
 // A guard against a stack that loops without rising; far above any real depth.
 constexpr std::size_t kMostFrames = 100000;
+// How far above its return address a caller's frame may begin.
+constexpr std::uint64_t kFramePointerReach = 1024 * 1024;
 
 class Walk {
 public:
@@ -39,25 +48,17 @@ public:
          norvane_1::CleanStack& frames)
         : m_unwinder(unwinder), m_modules(modules), m_rawStack(rawStack), m_frames(frames) {}
 
-    bool run(norvane_1::Context registers) {
+    bool run(norvane_1::Context const& registers) {
         if (!m_unwinder.start(registers)) return false;
-        for (;;) {
-            std::optional<std::uint64_t> const stop = unwindFrom(registers.ESP);
-            if (!stop) return true;
-            auto const scanned = m_rawStack.lower_bound(*stop);
-            if (scanned == m_rawStack.end() || m_frames.size() >= kMostFrames) return true;
-            add(scanned->second, scanned->first, kFrameScanned);
-            registers = m_unwinder.registers();
-            registers.EIP = scanned->second;
-            registers.ESP = scanned->first + 8;  // as the return popped it
-            if (!m_unwinder.start(registers)) return true;
-        }
+        std::optional<std::uint64_t> stop = unwindFrom(registers.ESP);
+        while (stop) stop = resumeByScan(*stop);
+        return true;
     }
 
 private:
-    // Unwinds from the frame whose stack pointer is `stackPointer`; the
-    // stack pointer of the last frame it reached, or none at the stack's
-    // natural end.
+    // Unwinds from the unwinder's current frame, whose stack pointer is
+    // `stackPointer`; the stack pointer of the last frame it reached, or
+    // none at the stack's natural end.
     std::optional<std::uint64_t> unwindFrom(std::uint64_t stackPointer) {
         for (;;) {
             std::uint64_t instruction = 0;
@@ -70,13 +71,50 @@ private:
                 case FrameUnwinder::Step::caller:
                     break;
             }
-            if (caller <= stackPointer || !isReturnAddress(instruction) || m_frames.size() >= kMostFrames) {
-                return stackPointer;
-            }
+            if (caller <= stackPointer || !isReturnAddress(instruction) || full()) return stackPointer;
             add(instruction, caller - 8, kFrameUnwound);  // the slot the return address came from
             stackPointer = caller;
         }
     }
+
+    // The scanned return addresses from `stop` upward become "?" frames
+    // until unwinding from one agrees with the scan on the next; from there
+    // it unwinds on. Where that unwinding stops, or none.
+    std::optional<std::uint64_t> resumeByScan(std::uint64_t stop) {
+        for (auto scanned = m_rawStack.lower_bound(stop); scanned != m_rawStack.end() && !full(); ++scanned) {
+            add(scanned->second, scanned->first, kFrameScanned);
+            auto const next = std::next(scanned);
+            if (next == m_rawStack.end()) break;
+            std::uint64_t instruction = 0;
+            std::uint64_t caller = 0;
+            if (!startAt(*scanned) || m_unwinder.step(instruction, caller) != FrameUnwinder::Step::caller ||
+                caller - 8 != next->first || instruction != next->second) {
+                continue;
+            }
+            add(instruction, caller - 8, kFrameUnwound);
+            return unwindFrom(caller);
+        }
+        return std::nullopt;
+    }
+
+    // The frame that a scanned return address returns to: the registers as
+    // the unwinder last knew them, with the stack as the return leaves it.
+    // Code that keeps a frame pointer saved its caller's right below the
+    // return address; a word there that points a little way up the stack is
+    // taken for it.
+    bool startAt(std::pair<std::uint64_t const, std::uint64_t> const& scanned) {
+        norvane_1::Context registers = m_unwinder.registers();
+        registers.EIP = scanned.second;
+        registers.ESP = scanned.first + 8;
+        std::uint64_t savedFramePointer = 0;
+        if (m_unwinder.read(scanned.first - 8, &savedFramePointer, sizeof savedFramePointer) &&
+            savedFramePointer > scanned.first && savedFramePointer - scanned.first < kFramePointerReach) {
+            registers.EBP = savedFramePointer;
+        }
+        return m_unwinder.start(registers);
+    }
+
+    bool full() const { return m_frames.size() >= kMostFrames; }
 
     bool isReturnAddress(std::uint64_t address) {
         if (!m_modules.contains(address - 1)) return false;
