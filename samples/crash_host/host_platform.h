@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace crash_host {
@@ -18,6 +19,9 @@ std::wstring wideArgument(char const* argument);
 // hands them to norvane_1::runExceptionHandler as a breakpoint exception
 // (SIGTRAP on Linux). Returns only if the crash was passed on.
 void runOwnExceptionHandler();
+// The same with the stack and frame pointers replaced, as a damaged stack
+// would leave them.
+void runOwnExceptionHandlerOn(std::uint64_t stackPointer, std::uint64_t framePointer);
 
 // Installs the host's own crash filter (SIGSEGV handler on Linux) over the
 // library's. It prints a line and ends the process with kHostFilterExitCode.

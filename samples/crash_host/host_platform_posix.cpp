@@ -34,9 +34,9 @@ std::wstring wideArgument(char const* argument) {
     return wide;
 }
 
-void runOwnExceptionHandler() {
-    ucontext_t context;
-    ::getcontext(&context);
+namespace {
+
+void handOver(ucontext_t& context) {
     siginfo_t info;
     std::memset(&info, 0, sizeof info);
     info.si_signo = SIGTRAP;
@@ -46,6 +46,22 @@ void runOwnExceptionHandler() {
     std::fflush(stdout);
     norvane_1::ExceptionData data{SIGTRAP, &info, &context};
     norvane_1::runExceptionHandler(&data);
+}
+
+}  // namespace
+
+void runOwnExceptionHandler() {
+    ucontext_t context;
+    ::getcontext(&context);
+    handOver(context);
+}
+
+void runOwnExceptionHandlerOn(std::uint64_t stackPointer, std::uint64_t framePointer) {
+    ucontext_t context;
+    ::getcontext(&context);
+    context.uc_mcontext.gregs[REG_RSP] = static_cast<greg_t>(stackPointer);
+    context.uc_mcontext.gregs[REG_RBP] = static_cast<greg_t>(framePointer);
+    handOver(context);
 }
 
 void replaceCrashFilter() {

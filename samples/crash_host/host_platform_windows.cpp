@@ -31,10 +31,9 @@ std::wstring wideArgument(char const* argument) {
     return wide;
 }
 
-void runOwnExceptionHandler() {
-    CONTEXT context;
-    std::memset(&context, 0, sizeof context);
-    ::RtlCaptureContext(&context);
+namespace {
+
+void handOver(CONTEXT& context) {
     EXCEPTION_RECORD record;
     std::memset(&record, 0, sizeof record);
     record.ExceptionCode = EXCEPTION_BREAKPOINT;
@@ -44,6 +43,24 @@ void runOwnExceptionHandler() {
     std::fflush(stdout);
     EXCEPTION_POINTERS pointers{&record, &context};
     norvane_1::runExceptionHandler(&pointers);
+}
+
+}  // namespace
+
+void runOwnExceptionHandler() {
+    CONTEXT context;
+    std::memset(&context, 0, sizeof context);
+    ::RtlCaptureContext(&context);
+    handOver(context);
+}
+
+void runOwnExceptionHandlerOn(std::uint64_t stackPointer, std::uint64_t framePointer) {
+    CONTEXT context;
+    std::memset(&context, 0, sizeof context);
+    ::RtlCaptureContext(&context);
+    context.Rsp = stackPointer;
+    context.Rbp = framePointer;
+    handOver(context);
 }
 
 void replaceCrashFilter() { ::SetUnhandledExceptionFilter(hostFilter); }

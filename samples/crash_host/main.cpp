@@ -24,6 +24,13 @@
 //                          moment of resetUnhandledExceptionHandler
 //   exit-during-crash      a thread accesses address 0 while the main thread
 //                          exits a random 0 to 20 ms later
+//   call-chain             access address 0 at the end of a known chain of calls
+//   library-chain          the same, inside a shared library of the sample's
+//   no-unwind-info         a fault in code without unwind information at the
+//                          end of the chain
+//   garbage-stack          runExceptionHandler with the stack pointer on garbage
+//   unreadable-stack       runExceptionHandler with the stack pointer where
+//                          nothing is mapped
 //   creation-log-writer    write CRASH_HOST_RECORDS creation-log records
 //                          marked with CRASH_HOST_WRITER, without installing
 //   none                   install, then exit normally
@@ -43,6 +50,7 @@
 #include "faults.h"
 #include "host_platform.h"
 #include "report_extras.h"
+#include "stack_faults.h"
 
 #include <norvane_1/norvane.h>
 
@@ -94,9 +102,10 @@ std::chrono::microseconds randomDelayUpTo20Milliseconds() {
 
 [[noreturn]] void abortOnTwoThreadsApart() { faultOnTwoThreads(callAbort, randomDelayUpTo20Milliseconds()); }
 
-int runHandlerDirectly() {
+// The registers reach runExceptionHandler straight from `handOver`.
+int runHandlerDirectly(void (*handOver)()) {
     stampFault();
-    runOwnExceptionHandler();
+    handOver();
     say("the library passed the crash on");
     return kPassedOnExitCode;
 }
@@ -188,7 +197,8 @@ Kind const kKinds[] = {
     {"divide-by-zero", "dividing by zero", []() -> int { fault(divideByZero); }, false},
     {"abort", "calling abort()", []() -> int { fault(callAbort); }, false},
     {"pure-virtual", "calling a pure virtual function", []() -> int { fault(pureVirtualCall); }, false},
-    {"run-exception-handler", "handing captured registers to runExceptionHandler", runHandlerDirectly, false},
+    {"run-exception-handler", "handing captured registers to runExceptionHandler",
+     []() -> int { return runHandlerDirectly(runOwnExceptionHandler); }, false},
     {"two-threads", "accessing address 0 on two threads at once", []() -> int { fault(faultOnTwoThreadsAtOnce); }, false},
     {"two-threads-apart", "accessing address 0 on two threads up to 20 ms apart",
      []() -> int { fault(faultOnTwoThreadsApart); }, false},
@@ -202,6 +212,14 @@ Kind const kKinds[] = {
     {"custom-sections", "registering two custom sections, then accessing address 0", faultWithCustomSections, false},
     {"fault-during-reset", "accessing address 0 while crash handling is reset", faultDuringReset, false},
     {"exit-during-crash", "exiting while another thread's crash is handled", exitDuringCrash, false},
+    {"call-chain", "accessing address 0 three calls deep", []() -> int { fault(faultThroughCallChain); }, false},
+    {"library-chain", "accessing address 0 in the chain library", []() -> int { fault(faultInChainLibrary); }, false},
+    {"no-unwind-info", "faulting in code without unwind information", []() -> int { fault(faultWithoutUnwindInfo); },
+     false},
+    {"garbage-stack", "handing a stack of garbage to runExceptionHandler",
+     []() -> int { return runHandlerDirectly(crashOnGarbageStack); }, false},
+    {"unreadable-stack", "handing an unmapped stack to runExceptionHandler",
+     []() -> int { return runHandlerDirectly(crashOnUnreadableStack); }, false},
     {"creation-log-writer", "writing creation-log records", writeRecords, true},
     {"none", "exiting normally", []() -> int { return 0; }, false},
 };
