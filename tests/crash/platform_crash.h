@@ -8,6 +8,8 @@ namespace crash_test {
 
 // The name the report's "Process" section gives the sample host.
 extern char const kHostProcessName[];
+// The beginning of the crash-handling library's file name.
+extern char const kLibraryFileName[];
 
 // True if the platform's own handling ended the process for an access
 // violation: nothing of the library stood in the way.

@@ -6,6 +6,7 @@
 namespace crash_test {
 
 char const kHostProcessName[] = "crash_host";
+char const kLibraryFileName[] = "libnorvane.so";
 
 // The default action of SIGSEGV kills the process by the signal.
 bool endedByPlatformAccessViolation(norvane_test::ChildOutcome const& outcome) {

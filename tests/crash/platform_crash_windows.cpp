@@ -4,6 +4,7 @@
 namespace crash_test {
 
 char const kHostProcessName[] = "crash_host.exe";
+char const kLibraryFileName[] = "norvane.dll";
 
 // Without a filter the system ends the process with the exception code.
 bool endedByPlatformAccessViolation(norvane_test::ChildOutcome const& outcome) {

@@ -91,6 +91,28 @@ TEST_F(ModuleUpkeep, PruningKeepsExactlyTheModulesTheStacksPassThrough) {
     }
 }
 
+// A module with two code ranges has two records of one name: the one whose
+// range a stack passes through stays, the other goes, and the indexes and
+// sections follow.
+TEST_F(ModuleUpkeep, PruningKeepsTheRangeOfAModuleThatAStackPassesThrough) {
+    ReportProbe report;
+    ReportProbe written;
+    written.getModuleInfo() = {module(modulePath(L"a.dll"), 0x1000, 0x1000, 0x1800),
+                               module(modulePath(L"a.dll"), 0x1000, 0x1900, 0x2000),
+                               module(modulePath(L"c.dll"), 0x5000, 0x5000, 0x6000)};
+    report.fromString(written.toString());
+    report.getStackMap()[1][0x100] = 0x1950;  // past the first range's End, in the second
+    ASSERT_TRUE(report.SyncModuleMapWithStackMap());
+    ASSERT_EQ(report.getModuleInfo().size(), 1u);
+    EXPECT_EQ(report.getModuleInfo()[0].Begin, 0x1900u);
+    ModuleInfo found;
+    EXPECT_TRUE(report.findModule(0x1950, found));
+    EXPECT_TRUE(report.findModule(modulePath(L"a.dll"), found));
+    EXPECT_FALSE(report.findModule(0x5100, found));
+    std::wstring const text = report.toString();
+    EXPECT_EQ(text.find(L"[Module001]"), std::wstring::npos) << "a section of a record that is gone stays";
+}
+
 TEST_F(ModuleUpkeep, WithoutStacksNothingIsPruned) {
     ReportProbe report;
     loadModules(report);

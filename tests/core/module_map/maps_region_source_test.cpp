@@ -26,6 +26,8 @@ char const kMaps[] =
     "7f0000005000-7f0000006000 r-xp 00000000 00:00 0 \n"
     "7ffd00000000-7ffd00021000 rw-p 00000000 00:00 0      [stack]\n"
     "7ffd00100000-7ffd00102000 r-xp 00000000 00:00 0      [vdso]\n"
+    "7ffd00102000-7ffd00104000 r--p 00000000 00:00 0      [vvar]\n"
+    "7ffd00104000-7ffd00106000 r--p 00000000 00:00 0      [vvar_vclock]\n"
     "ffffffffff600000-ffffffffff601000 --xp 00000000 00:00 0  [vsyscall]\n"
     "not a mapping\n";
 
@@ -36,7 +38,7 @@ TEST(MapsRegionSource, ImagesOfFilesGiveTheirCodeStretches) {
         norvane_1::MapsLine mapping;
         if (norvane_1::parseMapsLine(line, mapping)) lines.push_back(mapping);
     }
-    ASSERT_EQ(lines.size(), 15u);
+    ASSERT_EQ(lines.size(), 17u);
     norvane_1::MapsRegionSource source(lines);
     MapPtr map = newMap();
     norvane_1::scanModules(source, *map);
@@ -51,6 +53,36 @@ TEST(MapsRegionSource, ImagesOfFilesGiveTheirCodeStretches) {
     for (std::uint32_t i = 0; i < map->count; ++i) bases.push_back(map->ranges[i].base);
     EXPECT_EQ(bases, (std::vector<std::uint64_t>{0x55d0a0000000, 0x7f0000000000, 0x7f0000000000, 0x7f0000003000,
                                                  0x7f0000004000}));
+}
+
+// The stack capture reads only what these say is readable: a mapping with
+// "r", but neither the kernel's time pages, which fault in parts, nor a gap
+// inside an image.
+TEST(MapsRegionSource, ReadableRegionsAreTheReadableMappings) {
+    std::vector<norvane_1::MapsLine> lines;
+    std::istringstream text(kMaps);
+    for (std::string line; std::getline(text, line);) {
+        norvane_1::MapsLine mapping;
+        if (norvane_1::parseMapsLine(line, mapping)) lines.push_back(mapping);
+    }
+    norvane_1::MapsRegionSource source(lines);
+    struct {
+        std::uint64_t address;
+        bool readable;
+    } const cases[] = {
+        {0x55d0a0000800, true},   // r--p
+        {0x55d0a0003800, false},  // the gap inside prog's image
+        {0x7f0000001800, false},  // ---p
+        {0x7ffd00000800, true},   // [stack]
+        {0x7ffd00102800, false},  // [vvar]
+        {0x7ffd00104800, false},  // [vvar_vclock]
+        {0x7ffd00200000, false},  // nothing mapped
+    };
+    for (auto const& c : cases) {
+        norvane_1::MemoryRegion region;
+        bool const found = source.query(c.address, region);
+        EXPECT_EQ(found && region.readable, c.readable) << std::hex << c.address;
+    }
 }
 
 }  // namespace
