@@ -1,0 +1,127 @@
+#!/usr/bin/env bash
+# Crashes the sample host at the end of a known chain of calls, collecting
+# the stack in-process, and checks the report's clean stack against the
+# program's own symbols: each frame's address, taken back to its file, is
+# named by binutils' addr2line. Runs on the build host; for a Windows build
+# the host runs under the emulator.
+#
+#   check_stack_chain.sh KIND elf ADDR2LINE READELF HOST
+#   check_stack_chain.sh KIND pe  ADDR2LINE OBJDUMP HOST EMULATOR
+#
+# KIND is call-chain, library-chain or no-unwind-info. The first two must
+# show the chain frame by frame from the exception's own frame on; behind a
+# frame without unwind information the chain must still come, in order, among
+# the frames the scan found.
+set -euo pipefail
+
+kind=$1 format=$2 addr2line=$3 dump=$4 host=$5 emulator=${6:-}
+
+case $kind in
+    call-chain) expected=(accessViolation crash_host_chain_3 crash_host_chain_2 crash_host_chain_1) strict=1 ;;
+    library-chain) expected=(crash_chain_fault crash_chain_inner crash_chain_entry
+                             crash_host_chain_3 crash_host_chain_2 crash_host_chain_1) strict=1 ;;
+    no-unwind-info) expected=(crash_host_fault_without_unwind_info crash_host_chain_3 crash_host_chain_2
+                              crash_host_chain_1) strict=0 ;;
+    *) echo "unknown kind $kind" >&2; exit 2 ;;
+esac
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+log_dir="$work/log dir"
+mkdir -p "$log_dir"
+if [[ $format == pe ]]; then
+    log_dir_argument="Z:${log_dir//\//\\}\\"
+else
+    log_dir_argument="$log_dir/"
+fi
+
+fail() {
+    printf 'FAIL: %s\n--- report:\n' "$*" >&2
+    cat "$log_dir/crash_info.txt" >&2 2>/dev/null || true
+    exit 1
+}
+
+status=0
+env -u NORVANE_CRASH_HANDLER -u NORVANE_DISABLE_EXCEPTION_HANDLER -u NORVANEMINIDUMP1_OUTOFPROCESS_COLLECT \
+    -u NORVANE1_COLLECT_RAW_STACK -u NORVANE1_KEEP_MODULEMAP -u KELMUR_FEEDBACK_EXIT_CODE \
+    NORVANEMINIDUMP1_INPROCESS_COLLECT=1 KELMUR_FEEDBACK_KEEP_REPORT=1 NORVANE_LOG_DIR="$log_dir_argument" \
+    $emulator "$host" "$kind" >"$work/host output.txt" 2>&1 || status=$?
+[[ $status -eq 3 ]] || fail "the host ended with $status, not with 3: $(cat "$work/host output.txt")"
+
+# "frame<TAB>kind<TAB>address<TAB>module" for the first clean stack, and
+# "module<TAB>base<TAB>full name" for each module section.
+tr -d '\r' <"$log_dir/crash_info.txt" | awk '
+    /^\[/ { if (full != "") print "module\t" base "\t" full; full = ""; section = $0; stacks += (section ~ /^\[Stack\.clean\./); next }
+    section ~ /^\[Stack\.clean\./ && stacks == 1 && NF > 0 {
+        n = split($0, column, / \| /)
+        if (n >= 3) print "frame\t" column[1] "\t" column[3] "\t" (n >= 4 ? column[4] : "")
+    }
+    section ~ /^\[Module[0-9]+\]$/ && /^Base: / { base = substr($0, 7) }
+    section ~ /^\[Module[0-9]+\]$/ && /^FullName: / { full = substr($0, 11) }
+    END { if (full != "") print "module\t" base "\t" full }
+' >"$work/parsed.txt"
+grep -q '^frame' "$work/parsed.txt" || fail "the report has no clean stack"
+
+declare -A base_of file_of
+while IFS=$'\t' read -r _ base full; do
+    file=$full
+    if [[ $format == pe ]]; then
+        [[ $file == Z:* ]] || continue  # a module of the system, not of the build
+        file=${file#Z:}
+        file=${file//\\//}
+    fi
+    leaf=${file##*/}
+    base_of[$leaf]=$base
+    file_of[$leaf]=$file
+done < <(grep '^module' "$work/parsed.txt")
+
+# The address in the file's own terms: ELF shared objects and position-
+# independent programs are linked at 0, PE images at their ImageBase.
+file_address() {
+    local file=$1 address=$2 base=$3
+    if [[ $format == pe ]]; then
+        local image_base
+        image_base=$("$dump" -p "$file" | awk '/^ImageBase/ { print $2 }')
+        printf '0x%x' $((16#$image_base + address - base))
+    elif "$dump" -h "$file" | grep -q 'Type:[[:space:]]*DYN'; then
+        printf '0x%x' $((address - base))
+    else
+        printf '0x%x' "$address"
+    fi
+}
+
+# The symbol at or below the address, for code that has no debug
+# information (hand-written code has only its symbol).
+nearest_symbol() {
+    local file=$1 at=$2
+    # nm writes addresses zero-filled to one width: as text they sort as numbers.
+    "${addr2line%addr2line}nm" -C --defined-only "$file" | awk -v at="$(printf '%016x' $((at)))" '
+        $2 ~ /^[TtWw]$/ && $1 <= at && $1 >= best { best = $1; name = $3 }
+        END { print name == "" ? "??" : name }'
+}
+
+names=()
+while IFS=$'\t' read -r _ frame_kind address module; do
+    named="(no module of the build)"
+    if [[ -n $module && -n ${file_of[$module]:-} ]]; then
+        lookup=$((address))
+        [[ $frame_kind == "!" ]] || lookup=$((lookup - 1))  # inside the call, not behind it
+        at=$(file_address "${file_of[$module]}" "$lookup" $((base_of[$module])))
+        named=$("$addr2line" -f -C -i -e "${file_of[$module]}" "$at" | awk 'NR % 2 == 1' | paste -sd '|')
+        [[ $named != "??" ]] || named=$(nearest_symbol "${file_of[$module]}" "$at")
+    fi
+    names+=("$named")
+    printf '%s %s %-20s %s\n' "$frame_kind" "$address" "$module" "$named"
+done < <(grep '^frame' "$work/parsed.txt")
+
+[[ ${names[0]} == *"${expected[0]}"* ]] || fail "the exception's frame is not in ${expected[0]}"
+next=1
+for ((i = 1; i < ${#names[@]} && next < ${#expected[@]}; ++i)); do
+    if [[ ${names[i]} == *"${expected[next]}"* ]]; then
+        next=$((next + 1))
+    elif [[ $strict -eq 1 ]]; then
+        fail "frame $i is not in ${expected[next]}"
+    fi
+done
+[[ $next -eq ${#expected[@]} ]] || fail "${expected[next]} is missing from the stack"
+echo "the stack of $kind shows ${expected[*]} in order"
