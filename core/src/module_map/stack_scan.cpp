@@ -28,9 +28,10 @@ __attribute__((no_sanitize("address"))) std::uint64_t wordAt(std::uint64_t addre
     return *reinterpret_cast<std::uint64_t const volatile*>(address);
 }
 
-__attribute__((no_sanitize("address"))) void copyFrom(std::uint64_t address, unsigned char* to, std::size_t size) {
-    auto const* from = reinterpret_cast<unsigned char const volatile*>(address);
-    for (std::size_t i = 0; i < size; ++i) to[i] = from[i];
+// Copies whole aligned words, which lie in the same pages as the bytes asked
+// for: the copy of a candidate's neighbourhood starts up to 7 bytes early.
+__attribute__((no_sanitize("address"))) void copyWords(std::uint64_t address, std::uint64_t* to, std::size_t words) {
+    for (std::size_t i = 0; i < words; ++i) to[i] = wordAt(address + i * kSlot);
 }
 
 // The last region asked for is asked again and again: words of one frame
@@ -59,9 +60,11 @@ bool looksLikeReturnAddress(std::uint64_t word, std::uint64_t slot, StackExtent 
     if (word <= kNeighbourhood || word > ~std::uint64_t(0) - 2 * kNeighbourhood) return false;  // b.
     if (!regions.readable(word - kNeighbourhood)) return false;                           // c.
     if (!regions.readable(word + kNeighbourhood)) return false;                           // d.
-    unsigned char code[2 * kNeighbourhood];                                               // e.
-    copyFrom(word - kNeighbourhood, code, sizeof code);
-    return bt::isCallInstruction(word, code + kNeighbourhood, &map);
+    std::uint64_t const first = (word - kNeighbourhood) & ~(kSlot - 1);                  // e.
+    std::uint64_t code[2 * kNeighbourhood / kSlot + 1];
+    copyWords(first, code, sizeof code / sizeof code[0]);
+    auto const* bytes = reinterpret_cast<unsigned char const*>(code) + (word - first);
+    return bt::isCallInstruction(word, bytes, &map);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include <libunwind.h>
 
 #include <cstddef>
+#include <unordered_map>
 
 namespace bt {
 namespace {
@@ -114,14 +115,19 @@ public:
 
 private:
     // Where it finds none, libunwind describes a procedure of one byte at
-    // the instruction itself rather than fail.
+    // the instruction itself rather than fail. The answer is kept for each
+    // address: a deep stack passes the same few return addresses again and
+    // again, and the search for a procedure costs as much as the step.
     bool hasUnwindInformation() {
-        unw_proc_info_t procedure;
         unw_word_t instruction = 0;
-        if (unw_get_proc_info(&m_cursor, &procedure) != 0 || unw_get_reg(&m_cursor, UNW_REG_IP, &instruction) != 0) {
-            return false;
-        }
-        return !(procedure.start_ip == instruction && procedure.end_ip == instruction + 1);
+        if (unw_get_reg(&m_cursor, UNW_REG_IP, &instruction) != 0) return false;
+        auto const known = m_described.find(instruction);
+        if (known != m_described.end()) return known->second;
+        unw_proc_info_t procedure;
+        bool const described = unw_get_proc_info(&m_cursor, &procedure) == 0 &&
+                               !(procedure.start_ip == instruction && procedure.end_ip == instruction + 1);
+        m_described.emplace(instruction, described);
+        return described;
     }
 
     static LibunwindUnwinder& self(void* argument) { return *static_cast<LibunwindUnwinder*>(argument); }
@@ -148,6 +154,7 @@ private:
     unw_addr_space_t m_space = nullptr;
     unw_cursor_t m_cursor{};
     norvane_1::Context m_registers;
+    std::unordered_map<std::uint64_t, bool> m_described;
 };
 
 }  // namespace

@@ -4,16 +4,18 @@
 // module's exception directory, and RtlVirtualUnwind applies it to a
 // register context. RtlVirtualUnwind reads the stack wherever the context
 // and the unwind codes point; on a damaged stack that can be anywhere. So
-// each of its calls runs under a guard: a vectored exception handler that,
-// when the walking thread faults while the guard is armed, resumes that
-// thread where the guard was set, as the return of RtlCaptureContext, which
-// then reports the fault instead of returning twice unnoticed.
+// each of its calls, and each read of the walk's own, runs under a guard: a
+// vectored exception handler that, when the walking thread faults while the
+// guard is armed, resumes that thread where the guard was set, as the return
+// of RtlCaptureContext, which then reports the fault instead of returning
+// twice unnoticed.
 #include "frame_unwinder.h"
 
 #include "epilogue_check_windows.h"
 
 #include <windows.h>
 
+#include <cstring>
 #include <mutex>
 
 namespace bt {
@@ -43,69 +45,63 @@ LONG CALLBACK resumeAfterFault(EXCEPTION_POINTERS* pointers) {
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
-// Returns a second time, with `faulted` set, when RtlVirtualUnwind (or the
-// look at the code before it) faults. Nothing after the capture may rely on
-// a register that the unwind changed.
-__attribute__((noinline)) bool guardedUnwind(DWORD64 imageBase, PRUNTIME_FUNCTION function, CONTEXT* context) {
+// Runs `work` under the guard: false, with the work cut short, if it
+// faulted. RtlCaptureContext returns a second time then, with `faulted` set;
+// nothing after the capture may rely on a register that the work changed.
+template <typename Work>
+__attribute__((noinline)) bool guarded(Work const& work) {
     g_guard.faulted = 0;
     ::RtlCaptureContext(&g_guard.resume);
     if (g_guard.faulted) return false;
     g_guard.armed = 1;
-    if (!epilogueSearchEnds(reinterpret_cast<unsigned char const*>(context->Rip), imageBase, *function)) {
-        g_guard.armed = 0;
-        return false;
-    }
-    PVOID handlerData = nullptr;
-    DWORD64 establisherFrame = 0;
-    ::RtlVirtualUnwind(UNW_FLAG_NHANDLER, imageBase, context->Rip, function, context, &handlerData,
-                       &establisherFrame, nullptr);
+    bool const done = work();
     g_guard.armed = 0;
-    return true;
+    return done;
 }
 
-CONTEXT contextOf(norvane_1::Context const& r) {
+// One frame, by the function's unwind information. Before it, the same
+// search for an epilogue that RtlVirtualUnwind makes, with a bound.
+bool unwindFrame(DWORD64 imageBase, PRUNTIME_FUNCTION function, CONTEXT* context) {
+    return guarded([&] {
+        if (!epilogueSearchEnds(reinterpret_cast<unsigned char const*>(context->Rip), imageBase, *function)) {
+            return false;
+        }
+        PVOID handlerData = nullptr;
+        DWORD64 establisherFrame = 0;
+        ::RtlVirtualUnwind(UNW_FLAG_NHANDLER, imageBase, context->Rip, function, context, &handlerData,
+                           &establisherFrame, nullptr);
+        return true;
+    });
+}
+
+// Which register of CONTEXT each register of the report's context is.
+struct RegisterPair {
+    std::uint64_t norvane_1::Context::*ours;
+    DWORD64 CONTEXT::*system;
+};
+constexpr RegisterPair kRegisters[] = {
+    {&norvane_1::Context::EAX, &CONTEXT::Rax}, {&norvane_1::Context::EBX, &CONTEXT::Rbx},
+    {&norvane_1::Context::ECX, &CONTEXT::Rcx}, {&norvane_1::Context::EDX, &CONTEXT::Rdx},
+    {&norvane_1::Context::ESI, &CONTEXT::Rsi}, {&norvane_1::Context::EDI, &CONTEXT::Rdi},
+    {&norvane_1::Context::EBP, &CONTEXT::Rbp}, {&norvane_1::Context::ESP, &CONTEXT::Rsp},
+    {&norvane_1::Context::EIP, &CONTEXT::Rip}, {&norvane_1::Context::R8, &CONTEXT::R8},
+    {&norvane_1::Context::R9, &CONTEXT::R9},   {&norvane_1::Context::R10, &CONTEXT::R10},
+    {&norvane_1::Context::R11, &CONTEXT::R11}, {&norvane_1::Context::R12, &CONTEXT::R12},
+    {&norvane_1::Context::R13, &CONTEXT::R13}, {&norvane_1::Context::R14, &CONTEXT::R14},
+    {&norvane_1::Context::R15, &CONTEXT::R15},
+};
+
+CONTEXT contextOf(norvane_1::Context const& registers) {
     CONTEXT context{};
     context.ContextFlags = CONTEXT_FULL;
-    context.Rax = r.EAX;
-    context.Rbx = r.EBX;
-    context.Rcx = r.ECX;
-    context.Rdx = r.EDX;
-    context.Rsi = r.ESI;
-    context.Rdi = r.EDI;
-    context.Rbp = r.EBP;
-    context.Rsp = r.ESP;
-    context.Rip = r.EIP;
-    context.R8 = r.R8;
-    context.R9 = r.R9;
-    context.R10 = r.R10;
-    context.R11 = r.R11;
-    context.R12 = r.R12;
-    context.R13 = r.R13;
-    context.R14 = r.R14;
-    context.R15 = r.R15;
+    for (RegisterPair const& pair : kRegisters) context.*pair.system = registers.*pair.ours;
     return context;
 }
 
-norvane_1::Context registersOf(CONTEXT const& c) {
-    norvane_1::Context r;
-    r.EAX = c.Rax;
-    r.EBX = c.Rbx;
-    r.ECX = c.Rcx;
-    r.EDX = c.Rdx;
-    r.ESI = c.Rsi;
-    r.EDI = c.Rdi;
-    r.EBP = c.Rbp;
-    r.ESP = c.Rsp;
-    r.EIP = c.Rip;
-    r.R8 = c.R8;
-    r.R9 = c.R9;
-    r.R10 = c.R10;
-    r.R11 = c.R11;
-    r.R12 = c.R12;
-    r.R13 = c.R13;
-    r.R14 = c.R14;
-    r.R15 = c.R15;
-    return r;
+norvane_1::Context registersOf(CONTEXT const& context) {
+    norvane_1::Context registers;
+    for (RegisterPair const& pair : kRegisters) registers.*pair.ours = context.*pair.system;
+    return registers;
 }
 
 class SystemUnwinder final : public FrameUnwinder {
@@ -130,7 +126,7 @@ public:
     Step step(std::uint64_t& instructionPointer, std::uint64_t& stackPointer) override {
         DWORD64 imageBase = 0;
         PRUNTIME_FUNCTION function = ::RtlLookupFunctionEntry(m_context.Rip, &imageBase, nullptr);
-        if (function == nullptr || !guardedUnwind(imageBase, function, &m_context)) return Step::stopped;
+        if (function == nullptr || !unwindFrame(imageBase, function, &m_context)) return Step::stopped;
         if (m_context.Rip == 0) return Step::end;
         instructionPointer = m_context.Rip;
         stackPointer = m_context.Rsp;
@@ -139,10 +135,13 @@ public:
 
     norvane_1::Context registers() override { return registersOf(m_context); }
 
+    // A plain copy under the guard: ReadProcessMemory would cost a call into
+    // the system for every frame.
     bool read(std::uint64_t address, void* buffer, std::size_t size) override {
-        SIZE_T got = 0;
-        return ::ReadProcessMemory(::GetCurrentProcess(), reinterpret_cast<LPCVOID>(address), buffer, size, &got) &&
-               got == size;
+        return guarded([&] {
+            std::memcpy(buffer, reinterpret_cast<void const*>(address), size);
+            return true;
+        });
     }
 
 private:

@@ -46,11 +46,14 @@ ReadableMemory ReadableMemory::ofThisProcess() {
 }
 
 bool ReadableMemory::holds(std::uint64_t address, std::size_t size) const {
+    if (address >= m_last.begin && address < m_last.end) return size <= m_last.end - address;
     auto const above = std::upper_bound(m_ranges.begin(), m_ranges.end(), address,
                                         [](std::uint64_t a, Range const& r) { return a < r.begin; });
     if (above == m_ranges.begin()) return false;
     Range const& range = *(above - 1);
-    return address < range.end && size <= range.end - address;
+    if (address >= range.end) return false;
+    m_last = range;
+    return size <= range.end - address;
 }
 
 }  // namespace bt

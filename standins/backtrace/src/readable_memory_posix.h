@@ -23,6 +23,9 @@ private:
         std::uint64_t end;
     };
     std::vector<Range> m_ranges;  // sorted, adjacent ones joined
+    // The range of the last answer: a walk reads the stack and a few tables
+    // of unwind information over and over.
+    mutable Range m_last{0, 0};
 };
 
 }  // namespace bt

@@ -31,13 +31,18 @@ char const kMaps[] =
     "ffffffffff600000-ffffffffff601000 --xp 00000000 00:00 0  [vsyscall]\n"
     "not a mapping\n";
 
-TEST(MapsRegionSource, ImagesOfFilesGiveTheirCodeStretches) {
+std::vector<norvane_1::MapsLine> mappingsOf(char const* maps) {
     std::vector<norvane_1::MapsLine> lines;
-    std::istringstream text(kMaps);
+    std::istringstream text(maps);
     for (std::string line; std::getline(text, line);) {
         norvane_1::MapsLine mapping;
         if (norvane_1::parseMapsLine(line, mapping)) lines.push_back(mapping);
     }
+    return lines;
+}
+
+TEST(MapsRegionSource, ImagesOfFilesGiveTheirCodeStretches) {
+    std::vector<norvane_1::MapsLine> const lines = mappingsOf(kMaps);
     ASSERT_EQ(lines.size(), 17u);
     norvane_1::MapsRegionSource source(lines);
     MapPtr map = newMap();
@@ -59,12 +64,7 @@ TEST(MapsRegionSource, ImagesOfFilesGiveTheirCodeStretches) {
 // "r", but neither the kernel's time pages, which fault in parts, nor a gap
 // inside an image.
 TEST(MapsRegionSource, ReadableRegionsAreTheReadableMappings) {
-    std::vector<norvane_1::MapsLine> lines;
-    std::istringstream text(kMaps);
-    for (std::string line; std::getline(text, line);) {
-        norvane_1::MapsLine mapping;
-        if (norvane_1::parseMapsLine(line, mapping)) lines.push_back(mapping);
-    }
+    std::vector<norvane_1::MapsLine> const lines = mappingsOf(kMaps);
     norvane_1::MapsRegionSource source(lines);
     struct {
         std::uint64_t address;
