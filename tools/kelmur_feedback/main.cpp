@@ -5,8 +5,11 @@
 //   kelmur-feedback -handle-crash ... (see command_line.h)
 //
 // It checks its command line (a wrong one: usage on stderr, exit code 2),
-// reads the report named by -crash-info-file, completes it with the host's
-// custom sections and writes it back, prints a summary, then exits with 0.
+// reads the report named by -crash-info-file, and, when the library left the
+// stack to it (-minidump-stack with a process id) and the report lacks it,
+// has the crashed process collect it over the task service. Then it
+// completes the report with the host's custom sections, writes it back,
+// prints a summary and exits with 0.
 //
 // Test hooks, from the environment:
 //   KELMUR_FEEDBACK_RECORD=<file>     first of all, write the arguments and
@@ -19,6 +22,7 @@
 #include "process_text.h"
 #include "report_completion.h"
 #include "report_summary.h"
+#include "stack_fallback.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -61,6 +65,7 @@ int main(int argc, char** argv) {
     }
     kelmur_feedback::CrashCommand const& command = *parsed.command;
     auto report = kelmur_feedback::readReportText(command.crashInfoFile);
+    report = kelmur_feedback::collectMissingStack(command, report);
     if (kelmur_feedback::environmentValue("KELMUR_FEEDBACK_KEEP_REPORT").empty()) {
         report = kelmur_feedback::completeReport(command.crashInfoFile, report);
     }

@@ -13,6 +13,7 @@
 #include <norvane_1/exception_handler.h>
 #include <norvane_1/handler_state.h>
 #include <norvane_1/crash_handling.h>
+#include <norvane_1/minidump_task.h>
 #include <norvane_1/os_layer.h>
 #include <norvane_1/module_map.h>
 #include <norvane_1/dbghelp.h>

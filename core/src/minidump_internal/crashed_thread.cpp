@@ -33,8 +33,14 @@
 // passed on, they pass theirs on too. A thread that faults before the hooks
 // are off is held here; one that faults after it is held by the late-fault
 // hooks that stand in their place, which do nothing but hold. A fault of the
-// owning thread or of the worker is passed on at once: it ends the process
-// the system's way, with no further report, and no thread waits for itself.
+// owning thread, of the worker or of the task service's thread is passed on
+// at once: it ends the process the system's way, with no further report,
+// and no thread waits for itself.
+//
+// The task service runs from step 5 to step 19: while the worker waits for
+// the handler process, that process may ask over it for the stack to be
+// collected here, and the service's thread does that and rewrites the
+// report.
 // The same holds for a fault while the remove step tears the state down.
 //
 // Ordinary work is still done here (allocation, wide streams, the creation
@@ -44,6 +50,7 @@
 // it the process ends with exit code 3 and no report, instead of hanging.
 #include <norvane_1/crash_handling.h>
 #include <norvane_1/handler_state.h>
+#include <norvane_1/minidump_task.h>
 
 #include "crash_filter.h"
 #include "filter_upkeep.h"
@@ -83,8 +90,11 @@ Arrival arrive(std::uint32_t threadId) {
     return expected == threadId ? Arrival::reentry : Arrival::latecomer;
 }
 
+// The owner, the worker and the task service's thread: a fault of one of
+// them can't wait for the crash to be decided, since the crash waits for it.
 bool servesTheCrash(std::uint32_t threadId) {
-    return threadId == g_crashOwner || (threadId != 0 && threadId == g_workerThreadId);
+    return threadId == g_crashOwner ||
+           (threadId != 0 && (threadId == g_workerThreadId || threadId == g_serviceThreadId));
 }
 
 // A filter needs a worker to wake. The install step starts it; a direct
@@ -131,9 +141,10 @@ long dumpMiniDump(ExceptionData* data) {
         NORVANE_LOG_INFO(log::platformLogger(), L"Didn't process exception while exiting...");
         return kContinueSearch;
     }
-    // The worker can't hand a crash to itself: its own fault is passed on.
+    // The worker and the task service can't hand a crash to themselves:
+    // their own faults are passed on.
     std::uint32_t const threadId = platform::currentThreadId();
-    if (threadId == g_workerThreadId) return kContinueSearch;
+    if (threadId == g_workerThreadId || threadId == g_serviceThreadId) return kContinueSearch;
     switch (arrive(threadId)) {
         case Arrival::owner: break;
         case Arrival::reentry: return kContinueSearch;
@@ -150,7 +161,8 @@ long dumpMiniDump(ExceptionData* data) {
     stopFilterUpkeep();
     platform::setLateFaultHooks();
 
-    // 5. (The task service for the handler process starts here.)
+    // 5. The task service, for the handler process to call back.
+    startExecuteMinidumpTaskthread();
     // 6. No fault dialog of the system while the crash is handled.
     platform::suppressFaultDialogs();
 
@@ -184,7 +196,8 @@ long dumpMiniDump(ExceptionData* data) {
     state->getLock().unlock();
     NORVANE_LOG_INFO(log::platformLogger(), L"Crash handler executed, terminate.");
 
-    // 19. (The task service stops here.)
+    // 19. The handler process has ended: so has its use of the service.
+    stopExecuteMinidumpTaskThread();
     // 20. The handler process found the exception not to be the product's.
     if (state->getExitCode() == kNotOurException) {
         NORVANE_LOG_INFO(log::platformLogger(), L"Not our exception.");

@@ -6,5 +6,6 @@ namespace norvane_1 {
 std::atomic<bool> g_processExiting{false};
 std::atomic<ExceptionHandler*> g_exceptionHandler{nullptr};
 std::atomic<std::uint32_t> g_workerThreadId{0};
+std::atomic<std::uint32_t> g_serviceThreadId{0};
 
 }  // namespace norvane_1

@@ -16,5 +16,7 @@ extern std::atomic<bool> g_processExiting;
 extern std::atomic<ExceptionHandler*> g_exceptionHandler;
 // The system's id of the worker thread, once it runs; 0 before.
 extern std::atomic<std::uint32_t> g_workerThreadId;
+// The system's id of the task service's thread while it runs; 0 before.
+extern std::atomic<std::uint32_t> g_serviceThreadId;
 
 }  // namespace norvane_1
