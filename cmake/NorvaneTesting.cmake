@@ -9,13 +9,22 @@ else()
 endif()
 set(NORVANE_TEST_PLATFORM ${default_platform} CACHE STRING "Prefix of the test names")
 
-# norvane_add_unit_test(<name> <source>...)
+# On Windows the task service's pipe has one name for the whole machine (the
+# Wine prefix): tests whose processes run a service take turns.
+set(NORVANE_TASK_PIPE_LOCK "")
+if(WIN32)
+    set(NORVANE_TASK_PIPE_LOCK RESOURCE_LOCK minidump_task_pipe)
+endif()
+
+# norvane_add_unit_test(<name> <source>... [PROPERTIES <property> <value>...])
 #
 # The test links the library's objects directly and is compiled as part of
 # the library, so it can reach internal headers under core/src and the
-# protected members through test subclasses.
+# protected members through test subclasses. PROPERTIES go to every test
+# of the program.
 function(norvane_add_unit_test name)
-    add_executable(${name} ${ARGN})
+    cmake_parse_arguments(PARSE_ARGV 1 test "" "" "PROPERTIES")
+    add_executable(${name} ${test_UNPARSED_ARGUMENTS})
     target_link_libraries(${name} PRIVATE norvane_objects GTest::gtest GTest::gmock GTest::gtest_main)
     target_compile_definitions(${name} PRIVATE NORVANE_BUILDING_LIBRARY)
     target_include_directories(${name} PRIVATE
@@ -28,5 +37,5 @@ function(norvane_add_unit_test name)
         TEST_PREFIX "${NORVANE_TEST_PLATFORM}."
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 120
-        PROPERTIES LABELS unit)
+        PROPERTIES LABELS unit ${test_PROPERTIES})
 endfunction()

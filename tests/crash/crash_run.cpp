@@ -79,16 +79,18 @@ void CrashRun::captureLibraryLog() {
     set("NORVANE_LOG_CONFIG", config.u8string());
 }
 
-norvane_test::ChildOutcome CrashRun::run(std::string const& kind) {
+std::unique_ptr<norvane_test::ChildProcess> CrashRun::start(std::string const& kind) {
     norvane_test::ChildOptions options;
     options.program = norvane_test::programBesideThisOne("crash_host");
     options.arguments = {kind};
     options.environment = m_environment;
     options.standardOutput = m_scratch.path() / kHostOutput;
-    norvane_test::ChildProcess host(options);
-    m_hostPid = host.pid();
-    return host.wait(kHostTimeLimit);
+    auto host = std::make_unique<norvane_test::ChildProcess>(options);
+    m_hostPid = host->pid();
+    return host;
 }
+
+norvane_test::ChildOutcome CrashRun::run(std::string const& kind) { return start(kind)->wait(kHostTimeLimit); }
 
 std::string CrashRun::logFile(char const* name) const { return readText(m_logDirectory / name); }
 

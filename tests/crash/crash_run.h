@@ -15,6 +15,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,6 +33,8 @@ public:
 
     // Starts crash_host with `kind` and waits for its end, at most 60 s.
     norvane_test::ChildOutcome run(std::string const& kind);
+    // Starts crash_host with `kind`; the caller waits for it.
+    std::unique_ptr<norvane_test::ChildProcess> start(std::string const& kind);
     std::uint32_t hostPid() const { return m_hostPid; }
 
     std::filesystem::path const& scratch() const { return m_scratch.path(); }

@@ -53,6 +53,15 @@ void expectAllRegisters(norvane_1::ProblemReportStorage& report, std::uint32_t t
     EXPECT_EQ(keys.size(), 17u);
 }
 
+testing::AssertionResult recordsInOrder(std::vector<std::string> const& log, std::vector<std::string> const& patterns) {
+    std::size_t next = 0;
+    for (auto const& line : log) {
+        if (next < patterns.size() && std::regex_match(line, std::regex(patterns[next]))) ++next;
+    }
+    if (next == patterns.size()) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "missing or out of order: " << patterns[next];
+}
+
 std::wstring wide(std::string const& utf8) { return VANTIX_2_18::utf::from_utf8(utf8); }
 std::wstring wide(std::filesystem::path const& path) { return wide(path.u8string()); }
 

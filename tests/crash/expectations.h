@@ -28,6 +28,10 @@ void expectAllRegisters(norvane_1::ProblemReportStorage& report, std::uint32_t t
 // The keys of a section of key text.
 norvane_1::StringMap sectionKeys(norvane_1::ProblemReportStorage& report, wchar_t const* section);
 
+// The records of a creation log (its lines) match `patterns` in order, other
+// lines between them allowed.
+testing::AssertionResult recordsInOrder(std::vector<std::string> const& log, std::vector<std::string> const& patterns);
+
 std::wstring wide(std::string const& utf8);
 std::wstring wide(std::filesystem::path const& path);
 

@@ -88,12 +88,7 @@ TEST(ReportExtras, AFinishedReportCarriesTheHostsDataInItsPlace) {
     EXPECT_EQ(norvane_1::get(crash_test::sectionKeys(report, L"ClientInfo"), L"Answer"), L"42");
 
     std::vector<std::string> const log = crash_test::readLines(run.logDirectory() / "norvane_creation_log.txt");
-    std::size_t next = 0;
-    for (auto const& line : log) {
-        if (next < kCrashPathRecords.size() && std::regex_match(line, std::regex(kCrashPathRecords[next]))) ++next;
-    }
-    EXPECT_EQ(next, kCrashPathRecords.size())
-        << "missing or out of order: " << kCrashPathRecords[std::min(next, kCrashPathRecords.size() - 1)];
+    EXPECT_TRUE(crash_test::recordsInOrder(log, kCrashPathRecords));
     EXPECT_EQ(std::count_if(log.begin(), log.end(),
                             [](std::string const& line) { return std::regex_match(line, std::regex(kHandOverRecord)); }),
               1);

@@ -105,6 +105,35 @@ INSTANTIATE_TEST_SUITE_P(CrashHost, CollectionVariables,
                                          CollectionCase{"keepModuleMap", false, true, true, true},
                                          CollectionCase{"both", true, true, false, true}));
 
+// With no collect variable the handler finds no stack in the report and asks
+// the crashed process for it over the task service.
+TEST(CallbackStack, ADefaultCrashGetsItsStackThroughTheTaskService) {
+    CrashRun run;
+    ASSERT_TRUE(crash_test::handledByLibrary(run.run("call-chain"))) << run.hostOutput();
+    EXPECT_EQ(run.handlerArguments(), crash_test::fixedHandlerArguments(run.logDirectory(), run.hostPid()));
+    norvane_1::ProblemReportStorage report = run.readReport();
+    auto const stack = report.getStackFramesMap().find(report.getCrashedTid());
+    ASSERT_NE(stack, report.getStackFramesMap().end()) << run.logFile("crash_info.txt");
+    ASSERT_GE(stack->second.size(), 5u);
+    EXPECT_EQ(stack->second[0].kind, kExceptionFrame);
+    EXPECT_EQ(moduleOf(stack->second[1]), wide(std::string(crash_test::kHostProcessName)));
+
+    // The service's own records in order; the client's, in the handler
+    // process, interleave with them.
+    auto const log = crash_test::readLines(run.logDirectory() / "norvane_creation_log.txt");
+    std::string const server = "norvane_1::ExecuteMinidumpTaskThread::operator\\(\\) : .* : ";
+    EXPECT_TRUE(crash_test::recordsInOrder(
+        log, {"norvane_1::startExecuteMinidumpTaskthread : .* : EMT Service started!", server + "Create THE PIPE",
+              server + "THE PIPE created", server + "Got minidump task <fallbackInProc>",
+              "norvane_1::HandlerState::fallbackInProcess : .* : Fallback to in-proc stack collect...",
+              server + "<fallbackInProc> executed", server + "Replied <PASS> to THE_PIPE_SC",
+              server + "Got minidump task <terminateService>", server + "Service TERMINATED!",
+              "norvane_1::stopExecuteMinidumpTaskThread : .* : EMT Service stopped!"}));
+    EXPECT_TRUE(crash_test::recordsInOrder(
+        log, {"norvane_1::executeMinidumpTaskInternal : .* : waiting for the task to complete...",
+              "norvane_1::executeMinidumpTaskInternal : .* : Sent TERMINATE command, quit NOW!"}));
+}
+
 class DamagedStacks : public testing::TestWithParam<char const*> {};
 
 // A crash report and the library's exit code, never a second fault on the
