@@ -6,8 +6,10 @@
 # app properties, the head of its log, its custom sections and the creation
 # log of the crash path.
 #
-# The stack is collected in-process (collect mode 1), so the report shows the
-# crashed thread's frames and the modules they pass through.
+# The crash is handled as configured by default: the reference handler finds
+# no stack in the report and has the crashed process collect it over the
+# task service, so the report shows the crashed thread's frames and the
+# modules they pass through.
 #
 # Installs what a fresh Debian 12 machine lacks for a native build first.
 set -euo pipefail
@@ -33,7 +35,7 @@ status=0
 # Settings from the caller's shell must not turn handling off or divert it.
 env -u NORVANE_DISABLE_EXCEPTION_HANDLER -u NORVANE_CRASH_HANDLER -u KELMUR_FEEDBACK_EXIT_CODE \
     -u NORVANE1_NO_CREATION_LOG -u NORVANEMINIDUMP1_OUTOFPROCESS_COLLECT -u NORVANE1_COLLECT_RAW_STACK \
-    -u NORVANE1_KEEP_MODULEMAP NORVANEMINIDUMP1_INPROCESS_COLLECT=1 NORVANE_LOG_DIR="$logs" \
+    -u NORVANE1_KEEP_MODULEMAP -u NORVANEMINIDUMP1_INPROCESS_COLLECT NORVANE_LOG_DIR="$logs" \
     build/linux/bin/crash_host custom-sections || status=$?
 [[ $status -eq 3 ]] || norvane_die "crash_host ended with $status, not with the library's exit code 3"
 
