@@ -20,6 +20,10 @@ long dumpMiniDump(ExceptionData* data);
 // decided, which is forever when the process is ended with exit code 3.
 void holdLateFault();
 
+// Whether a crash has begun and is not yet decided: at process exit, its
+// threads have been ended wherever they were.
+bool crashInProgress();
+
 // Held by the remove step while it takes crash handling down. Taking it
 // waits until a crash already in progress has been decided (forever when
 // that crash ends the process), except at process exit, when the crash's

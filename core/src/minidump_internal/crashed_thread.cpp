@@ -111,6 +111,11 @@ void holdLateFault() {
     while (!g_crashPassedOn) std::this_thread::sleep_for(std::chrono::milliseconds(50));
 }
 
+bool crashInProgress() {
+    std::uint32_t const owner = g_crashOwner;
+    return owner != 0 && owner != kRemoval && !g_crashPassedOn;
+}
+
 CrashHandlingRemoval::CrashHandlingRemoval() {
     for (;;) {
         std::uint32_t expected = 0;
