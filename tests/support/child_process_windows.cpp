@@ -109,9 +109,14 @@ ChildProcess::ChildProcess(ChildOptions const& options) : m_platform(new Platfor
         startup.hStdOutput = output;
         startup.hStdError = ::GetStdHandle(STD_ERROR_HANDLE);
     }
-    BOOL const started = ::CreateProcessW(options.program.c_str(), &line[0], nullptr, nullptr, TRUE,
-                                          CREATE_UNICODE_ENVIRONMENT, &block[0], nullptr, &startup,
-                                          &m_platform->process);
+    // Wine, under a load of hundreds of starts, now and then refuses one
+    // with ERROR_INTERNAL_ERROR; a moment later it starts.
+    BOOL started = FALSE;
+    for (int attempt = 0; attempt < 3 && !started; ++attempt) {
+        if (attempt > 0) ::Sleep(100);
+        started = ::CreateProcessW(options.program.c_str(), &line[0], nullptr, nullptr, TRUE,
+                                   CREATE_UNICODE_ENVIRONMENT, &block[0], nullptr, &startup, &m_platform->process);
+    }
     if (output != INVALID_HANDLE_VALUE) ::CloseHandle(output);
     if (!started) {
         throw std::runtime_error("can't start " + options.program.string() + ": error " +
