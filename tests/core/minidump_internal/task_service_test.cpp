@@ -1,6 +1,7 @@
 // The task service against clients that misbehave on purpose. Each fault is
 // followed by a well-formed request that must still be served: no client
 // may crash the process, hold the service beyond its patience, or stop it.
+#include <norvane_1/handler_state.h>
 #include <norvane_1/minidump_task.h>
 
 #include "minidump_internal/task_channel.h"
@@ -34,7 +35,11 @@ std::vector<unsigned char> request(std::uint32_t code, std::size_t size = sizeof
 class TaskService : public ::testing::Test {
 protected:
     void SetUp() override { norvane_1::startExecuteMinidumpTaskthread(); }
-    void TearDown() override { norvane_1::stopExecuteMinidumpTaskThread(); }
+    // A collection makes the process's state; it goes with the service.
+    void TearDown() override {
+        norvane_1::stopExecuteMinidumpTaskThread();
+        if (!norvane_1::HandlerState::isNull()) norvane_1::HandlerState::get()->release();
+    }
 
     // A raw client: the channel itself, with nothing of the protocol.
     static std::unique_ptr<Connection> connect() {
