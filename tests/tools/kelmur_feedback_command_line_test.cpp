@@ -19,6 +19,10 @@ Arguments fixedPart(std::string const& stackPid = "4120") {
             "-load-module-map",     "0"};
 }
 
+kelmur_feedback::CrashCommand const& crash(kelmur_feedback::ParseResult const& parsed) {
+    return std::get<kelmur_feedback::CrashCommand>(*parsed.command);
+}
+
 Arguments withTail(Arguments arguments, Arguments const& tail) {
     arguments.insert(arguments.end(), tail.begin(), tail.end());
     return arguments;
@@ -27,12 +31,12 @@ Arguments withTail(Arguments arguments, Arguments const& tail) {
 TEST(KelmurFeedbackCommandLine, FixedPartIsReadIntoTheCommand) {
     auto const parsed = parseCommandLine(fixedPart());
     ASSERT_TRUE(parsed.command) << parsed.error;
-    EXPECT_EQ(parsed.command->systemInfoFile, "/var/log/my app/system_info.txt");
-    EXPECT_EQ(parsed.command->crashInfoFile, "/var/log/my app/crash_info.txt");
-    EXPECT_EQ(parsed.command->minidumpStack, 4120u);
-    EXPECT_EQ(parsed.command->dumpMemory, 1u);
-    EXPECT_EQ(parsed.command->loadModuleMap, 0u);
-    EXPECT_TRUE(parsed.command->relayed.empty());
+    EXPECT_EQ(crash(parsed).systemInfoFile, "/var/log/my app/system_info.txt");
+    EXPECT_EQ(crash(parsed).crashInfoFile, "/var/log/my app/crash_info.txt");
+    EXPECT_EQ(crash(parsed).minidumpStack, 4120u);
+    EXPECT_EQ(crash(parsed).dumpMemory, 1u);
+    EXPECT_EQ(crash(parsed).loadModuleMap, 0u);
+    EXPECT_TRUE(crash(parsed).relayed.empty());
 }
 
 struct RelayedCase {
@@ -51,7 +55,7 @@ TEST_P(RelayedSubsets, AreKeptInOrder) {
     auto const parsed = parseCommandLine(withTail(fixedPart(), tail));
     ASSERT_TRUE(parsed.command) << parsed.error;
     Arguments flattened;
-    for (auto const& relayed : parsed.command->relayed) {
+    for (auto const& relayed : crash(parsed).relayed) {
         flattened.push_back(relayed.option);
         flattened.push_back(relayed.value);
     }
@@ -67,6 +71,31 @@ INSTANTIATE_TEST_SUITE_P(
         RelayedCase{"portAndServer", {"-tcp-port", "65535", "-server-certificate", "s.pem"}},
         RelayedCase{"all", {"-tcp-port", "1", "-client-certificate", "c.pem", "-client-certificate-key", "k.pem",
                             "-server-certificate", "s.pem"}}));
+
+// The on-demand lines, as the library writes them.
+TEST(KelmurFeedbackCommandLine, OnDemandLinesAreRead) {
+    Arguments collect = {"-report-system-info", "-collect-module-info", "-collect-product-info",
+                         "-crash-info-file",    "/tmp/report-7-x.txt",  "-dump-stack=7",
+                         "-dump-memory=0"};
+    auto parsed = parseCommandLine(collect);
+    ASSERT_TRUE(parsed.command) << parsed.error;
+    auto const& withStack = std::get<kelmur_feedback::CollectCommand>(*parsed.command);
+    EXPECT_EQ(withStack.crashInfoFile, "/tmp/report-7-x.txt");
+    EXPECT_EQ(withStack.dumpStack, 7u);
+
+    collect.erase(collect.begin() + 5);
+    parsed = parseCommandLine(collect);
+    ASSERT_TRUE(parsed.command) << parsed.error;
+    EXPECT_EQ(std::get<kelmur_feedback::CollectCommand>(*parsed.command).dumpStack, 0u);
+
+    parsed = parseCommandLine({"-send-crash-report", "/tmp/r.txt", "-send-crash-report", "App UI freeze report"});
+    ASSERT_TRUE(parsed.command) << parsed.error;
+    EXPECT_EQ(std::get<kelmur_feedback::SendCommand>(*parsed.command).title, "App UI freeze report");
+
+    parsed = parseCommandLine({"-mercy-kill=4120"});
+    ASSERT_TRUE(parsed.command) << parsed.error;
+    EXPECT_EQ(std::get<kelmur_feedback::MercyKillCommand>(*parsed.command).processId, 4120u);
+}
 
 struct RefusedCase {
     char const* name;
@@ -106,7 +135,7 @@ INSTANTIATE_TEST_SUITE_P(
     KelmurFeedbackCommandLine, RefusedCommandLines,
     testing::Values(
         RefusedCase{"nothing", {}, "expected -handle-crash"},
-        RefusedCase{"firstFlagMissing", withoutFirst(), "expected -handle-crash"},
+        RefusedCase{"firstFlagMissing", withoutFirst(), "expected -collect-module-info"},
         RefusedCase{"flagsSwapped", replaced(4, "-collect-product-info"), "expected -collect-module-info"},
         RefusedCase{"valueMissingAtEnd", truncated(13), "-load-module-map needs a value"},
         RefusedCase{"lastPairMissing", truncated(12), "expected -load-module-map"},
@@ -122,6 +151,18 @@ INSTANTIATE_TEST_SUITE_P(
                     withTail(fixedPart(), {"-server-certificate", "s.pem", "-tcp-port", "4711"}),
                     "unexpected argument 17, found '-tcp-port'"},
         RefusedCase{"pairRepeated", withTail(fixedPart(), {"-tcp-port", "1", "-tcp-port", "2"}), "unexpected"},
-        RefusedCase{"unknownOption", withTail(fixedPart(), {"-verbose"}), "unexpected argument 15"}));
+        RefusedCase{"unknownOption", withTail(fixedPart(), {"-verbose"}), "unexpected argument 15"},
+        RefusedCase{"collectWithoutMemory",
+                    {"-report-system-info", "-collect-module-info", "-collect-product-info", "-crash-info-file",
+                     "r.txt"},
+                    "expected -dump-memory="},
+        RefusedCase{"collectStackNotANumber",
+                    {"-report-system-info", "-collect-module-info", "-collect-product-info", "-crash-info-file",
+                     "r.txt", "-dump-stack=me", "-dump-memory=0"},
+                    "decimal"},
+        RefusedCase{"sendWithoutTitle", {"-send-crash-report", "r.txt"}, "expected -send-crash-report"},
+        RefusedCase{"sendWithExtra", {"-send-crash-report", "r", "-send-crash-report", "t", "x"}, "unexpected"},
+        RefusedCase{"mercyKillOfZero", {"-mercy-kill=0"}, "other than 0"},
+        RefusedCase{"mercyKillApart", {"-mercy-kill", "12"}, "expected -mercy-kill=<number>"}));
 
 }  // namespace

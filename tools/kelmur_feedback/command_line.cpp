@@ -56,6 +56,23 @@ public:
     bool number(char const* option, std::uint32_t& value) {
         std::string digits;
         if (!text(option, digits)) return false;
+        return decimalValue(option, digits, value);
+    }
+
+    // "-option=<decimal>" as one argument.
+    bool joinedNumber(char const* option, std::uint32_t& value) {
+        std::string const prefix = std::string(option) + "=";
+        if (atEnd() || m_arguments[m_next].compare(0, prefix.size(), prefix) != 0) {
+            return fail("expected " + prefix + "<number> as " + describeNext());
+        }
+        return decimalValue(option, m_arguments[m_next++].substr(prefix.size()), value);
+    }
+
+    bool nextStartsWith(char const* prefix) const {
+        return !atEnd() && m_arguments[m_next].rfind(prefix, 0) == 0;
+    }
+
+    bool decimalValue(char const* option, std::string const& digits, std::uint32_t& value) {
         std::optional<std::uint32_t> const parsed = decimal(digits);
         if (!parsed) return fail(std::string(option) + " needs a decimal number, found '" + digits + "'");
         value = *parsed;
@@ -101,13 +118,45 @@ bool readRelayedPart(Cursor& cursor, CrashCommand& command) {
     return cursor.atEnd() || cursor.fail("unexpected " + cursor.describeNext());
 }
 
+bool readCollectCommand(Cursor& cursor, CollectCommand& command) {
+    return cursor.flag("-report-system-info") && cursor.flag("-collect-module-info") &&
+           cursor.flag("-collect-product-info") && cursor.text("-crash-info-file", command.crashInfoFile) &&
+           (!cursor.nextStartsWith("-dump-stack=") || cursor.joinedNumber("-dump-stack", command.dumpStack)) &&
+           cursor.joinedNumber("-dump-memory", command.dumpMemory);
+}
+
+bool readSendCommand(Cursor& cursor, SendCommand& command) {
+    return cursor.text("-send-crash-report", command.crashInfoFile) &&
+           cursor.text("-send-crash-report", command.title);
+}
+
+bool readMercyKillCommand(Cursor& cursor, MercyKillCommand& command) {
+    if (!cursor.joinedNumber("-mercy-kill", command.processId)) return false;
+    if (command.processId == 0) return cursor.fail("-mercy-kill needs a process id other than 0");
+    return true;
+}
+
+bool atEndOrFail(Cursor& cursor) { return cursor.atEnd() || cursor.fail("unexpected " + cursor.describeNext()); }
+
+// The first argument tells the command lines apart.
+template <typename CommandType, typename Reader>
+ParseResult parseAs(std::vector<std::string> const& arguments, Reader read) {
+    Cursor cursor(arguments);
+    CommandType command;
+    if (read(cursor, command) && atEndOrFail(cursor)) return {Command(command), {}};
+    return {std::nullopt, cursor.error()};
+}
+
 }  // namespace
 
 ParseResult parseCommandLine(std::vector<std::string> const& arguments) {
-    Cursor cursor(arguments);
-    CrashCommand command;
-    if (readFixedPart(cursor, command) && readRelayedPart(cursor, command)) return {command, {}};
-    return {std::nullopt, cursor.error()};
+    std::string const first = arguments.empty() ? std::string() : arguments.front();
+    if (first == "-report-system-info") return parseAs<CollectCommand>(arguments, readCollectCommand);
+    if (first == "-send-crash-report") return parseAs<SendCommand>(arguments, readSendCommand);
+    if (first.rfind("-mercy-kill", 0) == 0) return parseAs<MercyKillCommand>(arguments, readMercyKillCommand);
+    return parseAs<CrashCommand>(arguments, [](Cursor& cursor, CrashCommand& command) {
+        return readFixedPart(cursor, command) && readRelayedPart(cursor, command);
+    });
 }
 
 std::string usageText() {
@@ -116,7 +165,11 @@ std::string usageText() {
            "         -minidump-stack <pid> -dump-memory <n> -load-module-map <pid>\n"
            "         [-tcp-port <port>] [-client-certificate <file>]\n"
            "         [-client-certificate-key <file>] [-server-certificate <file>]\n"
-           "The crash-handling library starts this program after a crash; numbers are decimal.\n";
+           "       kelmur-feedback -report-system-info -collect-module-info -collect-product-info\n"
+           "         -crash-info-file <file> [-dump-stack=<pid>] -dump-memory=0\n"
+           "       kelmur-feedback -send-crash-report <file> -send-crash-report <title>\n"
+           "       kelmur-feedback -mercy-kill=<pid>\n"
+           "The crash-handling library starts this program; numbers are decimal.\n";
 }
 
 }  // namespace kelmur_feedback

@@ -1,18 +1,32 @@
-// The command line the library gives its crash handler, and its parser.
+// The command lines the library gives its feedback tool, and their parser.
 //
+// After a crash (CrashCommand):
 //   -handle-crash -report-system-info -system-info-file <file>
 //   -collect-module-info -collect-product-info -crash-info-file <file>
 //   -minidump-stack <pid> -dump-memory <n> -load-module-map <pid>
 //   [-tcp-port <port>] [-client-certificate <file>]
 //   [-client-certificate-key <file>] [-server-certificate <file>]
 //
-// The library writes it in exactly this order, so anything else is not a
+// For an on-demand report of a live process (CollectCommand); the process
+// is the one of -dump-stack, or else the one the report's file name holds
+// ("report-<pid>-<stamp>.txt"):
+//   -report-system-info -collect-module-info -collect-product-info
+//   -crash-info-file <file> [-dump-stack=<pid>] -dump-memory=0
+//
+// To send a report (SendCommand):
+//   -send-crash-report <file> -send-crash-report <title>
+//
+// To end a process, politely first (MercyKillCommand):
+//   -mercy-kill=<pid>
+//
+// The library writes each in exactly this order, so anything else is not a
 // call from the library and is refused rather than guessed at.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace kelmur_feedback {
@@ -32,8 +46,25 @@ struct CrashCommand {
     std::vector<RelayedOption> relayed;  // in command-line order
 };
 
+struct CollectCommand {
+    std::string crashInfoFile;
+    std::uint32_t dumpStack = 0;  // 0: no stacks wanted
+    std::uint32_t dumpMemory = 0;
+};
+
+struct SendCommand {
+    std::string crashInfoFile;
+    std::string title;
+};
+
+struct MercyKillCommand {
+    std::uint32_t processId = 0;
+};
+
+using Command = std::variant<CrashCommand, CollectCommand, SendCommand, MercyKillCommand>;
+
 struct ParseResult {
-    std::optional<CrashCommand> command;
+    std::optional<Command> command;
     std::string error;  // why there is no command
 };
 

@@ -1,15 +1,17 @@
-// kelmur-feedback: the reference crash handler. The library starts it after
-// a crash and waits for it; its exit code decides how the crash ends (6:
-// "not our exception", the crash goes on to the system's own handling).
+// kelmur-feedback: the reference feedback tool. The library starts it and
+// waits for it, for four jobs (command_line.h has their command lines); a
+// wrong command line gives usage on stderr and exit code 2.
 //
-//   kelmur-feedback -handle-crash ... (see command_line.h)
-//
-// It checks its command line (a wrong one: usage on stderr, exit code 2),
-// reads the report named by -crash-info-file, and, when the library left the
-// stack to it (-minidump-stack with a process id) and the report lacks it,
-// has the crashed process collect it over the task service. Then it
+// After a crash (-handle-crash ...) its exit code decides how the crash ends
+// (6: "not our exception", the crash goes on to the system's own handling).
+// It reads the report named by -crash-info-file, and, when the library left
+// the stack to it (-minidump-stack with a process id) and the report lacks
+// it, has the crashed process collect it over the task service. Then it
 // completes the report with the host's custom sections, writes it back,
 // prints a summary and exits with 0.
+//
+// On demand it completes the report of a live process (on_demand_report.h),
+// sends a report (report_sending.h), or ends a process (-mercy-kill=<pid>).
 //
 // Test hooks, from the environment:
 //   KELMUR_FEEDBACK_RECORD=<file>     first of all, write the arguments and
@@ -19,13 +21,18 @@
 //                                     it (for timing the library's export)
 #include "command_line.h"
 #include "invocation_record.h"
+#include "on_demand_report.h"
 #include "process_text.h"
 #include "report_completion.h"
+#include "report_sending.h"
 #include "report_summary.h"
 #include "stack_fallback.h"
 
+#include <norvane_1/os_layer.h>
+
 #include <cstdlib>
 #include <iostream>
+#include <variant>
 
 namespace {
 
@@ -51,6 +58,35 @@ void recordInvocation(std::vector<std::string> const& arguments, std::int64_t st
     }
 }
 
+int handleCrash(kelmur_feedback::CrashCommand const& command) {
+    auto report = kelmur_feedback::readReportText(command.crashInfoFile);
+    report = kelmur_feedback::collectMissingStack(command, report);
+    if (kelmur_feedback::environmentValue("KELMUR_FEEDBACK_KEEP_REPORT").empty()) {
+        report = kelmur_feedback::completeReport(command.crashInfoFile, report);
+    }
+    kelmur_feedback::printSummary(std::cout, command, report);
+    std::cout.flush();
+    return requestedExitCode();
+}
+
+int mercyKill(kelmur_feedback::MercyKillCommand const& command) {
+    if (!norvane_1::os_layer::isProcessAlive(command.processId)) {
+        std::cerr << "kelmur-feedback: no running process " << command.processId << " to end\n";
+        return 1;
+    }
+    norvane_1::os_layer::closeProcess(command.processId);
+    return 0;
+}
+
+struct CommandRunner {
+    int operator()(kelmur_feedback::CrashCommand const& command) const { return handleCrash(command); }
+    int operator()(kelmur_feedback::CollectCommand const& command) const {
+        return kelmur_feedback::completeOnDemandReport(command);
+    }
+    int operator()(kelmur_feedback::SendCommand const& command) const { return kelmur_feedback::sendReport(command); }
+    int operator()(kelmur_feedback::MercyKillCommand const& command) const { return mercyKill(command); }
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -63,13 +99,5 @@ int main(int argc, char** argv) {
         std::cerr << "kelmur-feedback: " << parsed.error << '\n' << kelmur_feedback::usageText();
         return kUsageExitCode;
     }
-    kelmur_feedback::CrashCommand const& command = *parsed.command;
-    auto report = kelmur_feedback::readReportText(command.crashInfoFile);
-    report = kelmur_feedback::collectMissingStack(command, report);
-    if (kelmur_feedback::environmentValue("KELMUR_FEEDBACK_KEEP_REPORT").empty()) {
-        report = kelmur_feedback::completeReport(command.crashInfoFile, report);
-    }
-    kelmur_feedback::printSummary(std::cout, command, report);
-    std::cout.flush();
-    return requestedExitCode();
+    return std::visit(CommandRunner{}, *parsed.command);
 }

@@ -71,6 +71,9 @@ NORVANE_API void addCreationLogRecord(char const* function, std::wstring const& 
 // The text of the report's "Process" section for a process (0: this one):
 // its name and, where they can be had, its virtual memory and working set.
 NORVANE_API std::wstring getProcessMemInfo(std::uint32_t pid);
+// The base name of a process's executable (0: this process); empty if the
+// process can't be examined.
+NORVANE_API std::wstring getProcessName(unsigned long pid);
 
 // The platform's HandlerState; the caller owns it. HandlerState::get() uses it.
 NORVANE_API HandlerState* createHandlerState();

@@ -52,5 +52,51 @@ NORVANE_API std::wstring getTempFileName(std::wstring const& directory, std::wst
 // read or formatted.
 NORVANE_API std::wstring getTimeStamp();
 
+// System facts. Each has a value for failure ("unknown_user", an empty
+// string or 0) and none logs.
+
+// The override if one is set; else the system's temporary directory
+// (Windows: GetTempPathW; Linux: none of its own), then the first of TEMP,
+// TMP and TMPDIR that is set and not empty (Linux: TMPDIR, TMP, TEMP),
+// as it stands; else empty.
+NORVANE_API std::wstring getTempDirectory();
+// An empty value switches the override off. No lock.
+NORVANE_API void setTempDirectory(std::wstring const& directory);
+NORVANE_API std::wstring getTempDirectoryOverride();
+// Empty if the variable is not set.
+NORVANE_API std::wstring getEnvironmentValue(wchar_t const* name);
+// "<name> <major>.<minor>.<build> <service pack>". Linux: the name from
+// /etc/os-release (PRETTY_NAME), the kernel's release from uname for the
+// version, and the machine in place of the service pack.
+NORVANE_API std::wstring getOsName();
+NORVANE_API std::wstring getUserName();
+// Windows: the user's documents folder, made if need be. Linux:
+// XDG_DOCUMENTS_DIR, else ~/Documents (not made).
+NORVANE_API std::wstring getDocumentsDirectory();
+// The running program's directory (without its separator) and file name.
+NORVANE_API std::wstring getExecutableDirectory();
+NORVANE_API std::wstring getExecutableName();
+// Starts `path` without waiting, in a process group of its own; with
+// `discardOutput` its standard output goes to the null device. Windows
+// quotes an argument only when it holds a blank; Linux passes an argument
+// vector, no shell. The process id, or 0 if it could not be started.
+NORVANE_API std::uint32_t startProcess(std::wstring const& path, std::vector<std::wstring> const& arguments,
+                                       bool discardOutput);
+NORVANE_API void sleepMilliseconds(std::uint32_t milliseconds);
+
+// Processes.
+
+// True only for a process that exists and has not ended; false for 0.
+NORVANE_API bool isProcessAlive(unsigned long pid);
+// Starts `path` with `arguments` and waits for it with no time limit: its
+// exit code, or -1 if it could not be started. Windows quotes every
+// argument and gives the process no console window; Linux passes an
+// argument vector, no shell.
+NORVANE_API int runProcess(std::wstring const& path, std::vector<std::wstring> const& arguments);
+// Asks the process to close (Windows: WM_CLOSE to its first top-level
+// window; Linux: SIGTERM), waits up to 2000 ms for it to end, and then ends
+// it by force. A process that has ended, or 0, is left alone.
+NORVANE_API void closeProcess(unsigned long pid);
+
 }  // namespace os_layer
 }  // namespace norvane_1

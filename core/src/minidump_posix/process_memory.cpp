@@ -39,6 +39,8 @@ bool statusValue(std::string const& status, char const* key, unsigned long long&
 
 }  // namespace
 
+std::wstring getProcessName(unsigned long pid) { return processName(static_cast<std::uint32_t>(pid)); }
+
 std::wstring getProcessMemInfo(std::uint32_t pid) {
     std::wstring text = L"Process Name: " + processName(pid) + L"\n";
     std::ifstream file(procFile(pid, "status"));

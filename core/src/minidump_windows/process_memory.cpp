@@ -57,6 +57,11 @@ std::uint64_t virtualMemorySize(HANDLE process) {
 
 }  // namespace
 
+std::wstring getProcessName(unsigned long pid) {
+    ProcessHandle const process(static_cast<std::uint32_t>(pid));
+    return baseName(process.get());
+}
+
 std::wstring getProcessMemInfo(std::uint32_t pid) {
     ProcessHandle const process(pid);
     std::wstring text = L"Process Name: " + baseName(process.get()) + L"\n";

@@ -1,0 +1,87 @@
+// Processes on Windows: is one alive, run one and wait, close one. Windows
+// code only.
+#include <norvane_1/os_layer.h>
+
+#include <windows.h>
+
+namespace norvane_1 {
+namespace os_layer {
+namespace {
+
+constexpr DWORD kCloseGraceMilliseconds = 2000;
+
+class ScopedProcess {
+public:
+    ScopedProcess(DWORD access, unsigned long pid) : m_handle(::OpenProcess(access, FALSE, pid)) {}
+    ~ScopedProcess() {
+        if (m_handle != nullptr) ::CloseHandle(m_handle);
+    }
+    ScopedProcess(ScopedProcess const&) = delete;
+    ScopedProcess& operator=(ScopedProcess const&) = delete;
+    HANDLE get() const { return m_handle; }
+
+private:
+    HANDLE m_handle;
+};
+
+struct WindowSearch {
+    DWORD pid;
+};
+
+// Posts WM_CLOSE to the first top-level window of the process and stops.
+BOOL CALLBACK closeFirstWindow(HWND window, LPARAM parameter) {
+    auto const* search = reinterpret_cast<WindowSearch const*>(parameter);
+    DWORD owner = 0;
+    ::GetWindowThreadProcessId(window, &owner);
+    if (owner != search->pid) return TRUE;
+    ::PostMessageW(window, WM_CLOSE, 0, 0);
+    return FALSE;
+}
+
+// The program's name: what follows the last backslash.
+std::wstring programName(std::wstring const& path) {
+    auto const slash = path.rfind(L'\\');
+    return slash == std::wstring::npos ? path : path.substr(slash + 1);
+}
+
+}  // namespace
+
+bool isProcessAlive(unsigned long pid) {
+    if (pid == 0) return false;
+    ScopedProcess const process(SYNCHRONIZE, pid);
+    return process.get() != nullptr && ::WaitForSingleObject(process.get(), 0) == WAIT_TIMEOUT;
+}
+
+int runProcess(std::wstring const& path, std::vector<std::wstring> const& arguments) {
+    // Every argument quoted, with a blank on either side.
+    std::wstring commandLine = programName(path);
+    for (auto const& argument : arguments) commandLine += L" \"" + argument + L"\" ";
+
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION started{};
+    if (!::CreateProcessW(path.c_str(), &commandLine[0], nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
+                          nullptr, &startup, &started)) {
+        return -1;
+    }
+    ::WaitForSingleObject(started.hProcess, INFINITE);
+    DWORD code = 0;
+    int const result = ::GetExitCodeProcess(started.hProcess, &code) ? static_cast<int>(code) : -1;
+    ::CloseHandle(started.hThread);
+    ::CloseHandle(started.hProcess);
+    return result;
+}
+
+void closeProcess(unsigned long pid) {
+    if (pid == 0 || !isProcessAlive(pid)) return;
+    ScopedProcess const process(SYNCHRONIZE | PROCESS_TERMINATE, pid);
+    if (process.get() == nullptr) return;
+    WindowSearch search{static_cast<DWORD>(pid)};
+    ::EnumWindows(closeFirstWindow, reinterpret_cast<LPARAM>(&search));
+    if (::WaitForSingleObject(process.get(), kCloseGraceMilliseconds) != WAIT_OBJECT_0) {
+        ::TerminateProcess(process.get(), 0);
+    }
+}
+
+}  // namespace os_layer
+}  // namespace norvane_1
