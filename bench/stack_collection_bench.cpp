@@ -7,6 +7,8 @@
 //   stack_collection_bench [repetitions]
 #include <norvane_1/handler_state.h>
 
+#include "plain_handler_state.h"
+
 #include "minidump_internal/platform.h"
 #include "own_registers.h"
 #include "test_environment.h"
@@ -80,7 +82,7 @@ private:
 };
 
 // The collection as the worker runs it, on a report of its own each time.
-class CollectingState : public norvane_1::HandlerState {
+class CollectingState : public norvane_test::PlainHandlerState {
 public:
     bool run() override { return true; }
     void prepare(norvane_1::Context const& registers) {

@@ -31,6 +31,10 @@
 //   garbage-stack          runExceptionHandler with the stack pointer on garbage
 //   unreadable-stack       runExceptionHandler with the stack pointer where
 //                          nothing is mapped
+//   on-demand-report       install, then collectReport of this process with
+//                          its threads' stacks; prints the report's path
+//   terminate-product      install, then terminateProduct(): the feedback
+//                          tool ends the process
 //   creation-log-writer    write CRASH_HOST_RECORDS creation-log records
 //                          marked with CRASH_HOST_WRITER, without installing
 //   none                   install, then exit normally
@@ -43,12 +47,15 @@
 // ignored) before the library is installed.
 //
 // Exit codes: 3 after a crash the library handled, 0 for none,
-// reset-threads and creation-log-writer, 2 for a wrong command line, 5 when
+// reset-threads, creation-log-writer and on-demand-report (1 when it gave
+// no report), 2 for a wrong command line, 5 when
 // custom sections can't be registered, 4 when the library passed a
-// runExceptionHandler crash on, 42 when the host's own filter ran.
+// runExceptionHandler crash on, 8 when terminateProduct returned, 42 when
+// the host's own filter ran.
 #include "fault_stamp.h"
 #include "faults.h"
 #include "host_platform.h"
+#include "on_demand.h"
 #include "report_extras.h"
 #include "stack_faults.h"
 
@@ -216,6 +223,8 @@ Kind const kKinds[] = {
     {"library-chain", "accessing address 0 in the chain library", []() -> int { fault(faultInChainLibrary); }, false},
     {"no-unwind-info", "faulting in code without unwind information", []() -> int { fault(faultWithoutUnwindInfo); },
      false},
+    {"on-demand-report", "collecting a report of this process", reportOnDemand, false},
+    {"terminate-product", "having the feedback tool end this process", terminateThroughTool, false},
     {"garbage-stack", "handing a stack of garbage to runExceptionHandler",
      []() -> int { return runHandlerDirectly(crashOnGarbageStack); }, false},
     {"unreadable-stack", "handing an unmapped stack to runExceptionHandler",

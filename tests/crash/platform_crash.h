@@ -15,4 +15,9 @@ extern char const kLibraryFileName[];
 // violation: nothing of the library stood in the way.
 bool endedByPlatformAccessViolation(norvane_test::ChildOutcome const& outcome);
 
+// True if the feedback tool's -mercy-kill ended a console program: by
+// SIGTERM on Linux; on Windows, with no window to close, terminated with
+// exit code 0.
+bool endedByMercyKill(norvane_test::ChildOutcome const& outcome);
+
 }  // namespace crash_test

@@ -13,4 +13,8 @@ bool endedByPlatformAccessViolation(norvane_test::ChildOutcome const& outcome) {
     return outcome.finished && !outcome.exited && outcome.signal == SIGSEGV;
 }
 
+bool endedByMercyKill(norvane_test::ChildOutcome const& outcome) {
+    return outcome.finished && !outcome.exited && outcome.signal == SIGTERM;
+}
+
 }  // namespace crash_test

@@ -11,4 +11,8 @@ bool endedByPlatformAccessViolation(norvane_test::ChildOutcome const& outcome) {
     return outcome.finished && outcome.exitCode == 0xC0000005;
 }
 
+bool endedByMercyKill(norvane_test::ChildOutcome const& outcome) {
+    return outcome.finished && outcome.exitCode == 0;
+}
+
 }  // namespace crash_test

@@ -42,6 +42,25 @@ NORVANE_API void resetAndAbort();
 // does nothing. setUnhandledExceptionHandler must have run before.
 NORVANE_API void runExceptionHandler(ExceptionData* data);
 
+// On-demand reports of a live process (pid 0: this one), which need no
+// handler to be set. Each call writes a report of its own,
+// "report-<pid>-<time stamp>.txt" in `directory` (null: the log directory;
+// a directory given must end with its separator), and blocks the caller
+// until the feedback tool has ended.
+//
+// collectReport: the report's path, completed by the tool (its modules,
+// product facts and, with `dumpStack`, the stack of each of its threads);
+// with `forCrashDialog` no tool runs and the report is left as the library
+// wrote it. Empty when the process has ended, no directory can be told, or
+// the tool fails. sendFeedback: collects as above, then has the tool send
+// the report; true only when it was delivered.
+NORVANE_API std::wstring collectReport(bool dumpStack, unsigned long pid, wchar_t const* directory,
+                                       bool forCrashDialog);
+NORVANE_API bool sendFeedback(bool dumpStack, unsigned long pid, wchar_t const* directory);
+// Has the feedback tool end this process ("-mercy-kill="): asked to close
+// first, ended by force 2 seconds later. True if the tool ended with 0.
+NORVANE_API bool terminateProduct();
+
 // A property of the host that the crash report shows in "ClientInfo". An
 // empty value removes it.
 NORVANE_API void setAppProperty(std::wstring const& name, gavrel2::variant_t const& value);

@@ -113,6 +113,12 @@ public:
 
     // The crash work of the worker thread.
     virtual bool run() = 0;
+    // On-demand reports and the end of the product (see crash_handling.h);
+    // they run on the caller's thread and leave the worker alone.
+    virtual bool collectSendInfo(bool dumpStack, unsigned long pid, wchar_t const* directory) = 0;
+    virtual std::wstring collectReport(bool dumpStack, unsigned long pid, wchar_t const* directory,
+                                       bool forCrashDialog) = 0;
+    virtual bool terminateProduct() = 0;
 
 protected:
     HandlerState();
@@ -128,6 +134,12 @@ protected:
     // and m_context, exports the report and runs the handler. `runLabel`
     // names the platform's run() in the creation log.
     bool processSavedCrash(SavedCrash const& crash, char const* runLabel);
+
+    // What the platforms' on-demand operations share.
+    std::wstring makeOnDemandReport(bool dumpStack, unsigned long pid, wchar_t const* directory,
+                                    bool forCrashDialog);
+    bool sendOnDemandReport(bool dumpStack, unsigned long pid, wchar_t const* directory);
+    bool terminateThroughTool();
 
     void setExitCode(int code);
     // Sets the paths of the hand-over files from the log directory; false

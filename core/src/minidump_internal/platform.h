@@ -57,5 +57,23 @@ std::uint32_t currentThreadId();
 // exit code, or -1 if the program could not be started.
 int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& arguments);
 
+// ".exe" on Windows, empty on Linux: what a program's file name ends with.
+wchar_t const* programExtension();
+
+// While it lives, a program this process starts may examine `processId`
+// from outside (read its threads' registers and memory) when that is this
+// process. Linux with a ptrace restriction to ancestors needs it; elsewhere
+// it does nothing.
+class InspectionGrant {
+public:
+    explicit InspectionGrant(std::uint32_t processId);
+    ~InspectionGrant();
+    InspectionGrant(InspectionGrant const&) = delete;
+    InspectionGrant& operator=(InspectionGrant const&) = delete;
+
+private:
+    bool m_granted = false;
+};
+
 }  // namespace platform
 }  // namespace norvane_1

@@ -23,6 +23,7 @@ void restoreFaultDialogs() {}
 void endCrashedProcess() { ::_exit(3); }
 
 wchar_t pathSeparator() { return L'/'; }
+wchar_t const* programExtension() { return L""; }
 
 std::uint32_t currentProcessId() { return static_cast<std::uint32_t>(::getpid()); }
 

@@ -17,6 +17,14 @@ public:
     ~PosixHandlerState() override = default;
 
     bool run() override;
+    bool collectSendInfo(bool dumpStack, unsigned long pid, wchar_t const* directory) override {
+        return sendOnDemandReport(dumpStack, pid, directory);
+    }
+    std::wstring collectReport(bool dumpStack, unsigned long pid, wchar_t const* directory,
+                               bool forCrashDialog) override {
+        return makeOnDemandReport(dumpStack, pid, directory, forCrashDialog);
+    }
+    bool terminateProduct() override { return terminateThroughTool(); }
 
     // Copies the signal's number, its siginfo and the registers of its
     // context: the originals live on the crashed thread's stack.

@@ -26,6 +26,11 @@ void armHandOverDeadline() {}
 void disarmHandOverDeadline() {}
 
 wchar_t pathSeparator() { return L'\\'; }
+wchar_t const* programExtension() { return L".exe"; }
+
+// Windows lets a program with the rights to open this process examine it.
+InspectionGrant::InspectionGrant(std::uint32_t) {}
+InspectionGrant::~InspectionGrant() = default;
 
 std::uint32_t currentProcessId() { return ::GetCurrentProcessId(); }
 std::uint32_t currentThreadId() { return ::GetCurrentThreadId(); }

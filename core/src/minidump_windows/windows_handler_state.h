@@ -17,6 +17,14 @@ public:
     ~WindowsHandlerState() override = default;
 
     bool run() override;
+    bool collectSendInfo(bool dumpStack, unsigned long pid, wchar_t const* directory) override {
+        return sendOnDemandReport(dumpStack, pid, directory);
+    }
+    std::wstring collectReport(bool dumpStack, unsigned long pid, wchar_t const* directory,
+                               bool forCrashDialog) override {
+        return makeOnDemandReport(dumpStack, pid, directory, forCrashDialog);
+    }
+    bool terminateProduct() override { return terminateThroughTool(); }
 
     // Copies the record and the context, whole: the originals live on the
     // crashed thread's stack. A chained record is not followed.

@@ -1,6 +1,8 @@
 // The singleton state, its worker thread and the hand-over flags.
 #include <norvane_1/handler_state.h>
 
+#include "plain_handler_state.h"
+
 #include "minidump_internal/crash_filter.h"
 #include "test_environment.h"
 
@@ -15,7 +17,7 @@ using norvane_1::HandlerState;
 using norvane_test::ScopedVariable;
 
 // A state whose crash work only counts its calls.
-class CountingState : public HandlerState {
+class CountingState : public norvane_test::PlainHandlerState {
 public:
     bool run() override {
         ++runs;
@@ -101,7 +103,7 @@ TEST_F(HandlerStateTest, BothFlagsRunOnceThenEnd) {
 // The worker can't hand a crash to itself: a fault of its own is passed on
 // at once instead of waiting for the worker forever.
 TEST_F(HandlerStateTest, AFaultOnTheWorkerIsPassedOnAtOnce) {
-    struct FaultingState : HandlerState {
+    struct FaultingState : norvane_test::PlainHandlerState {
         bool run() override {
             filterResult = norvane_1::dumpMiniDump(nullptr);
             return true;

@@ -3,6 +3,8 @@
 // is. The "crashed thread" is the test's own, held still in a live frame.
 #include <norvane_1/handler_state.h>
 
+#include "plain_handler_state.h"
+
 #include "minidump_internal/platform.h"
 #include "own_registers.h"
 #include "test_environment.h"
@@ -17,7 +19,7 @@ namespace {
 
 using norvane_1::ProblemReportStorage;
 
-class CollectingState : public norvane_1::HandlerState {
+class CollectingState : public norvane_test::PlainHandlerState {
 public:
     bool run() override { return true; }
     void setContext(norvane_1::Context const& context) { m_context = context; }

@@ -1,6 +1,8 @@
 // The premortal log: the first lines of the newest ".log" file.
 #include <norvane_1/handler_state.h>
 
+#include "plain_handler_state.h"
+
 #include "sample_reports.h"
 #include "test_environment.h"
 
@@ -13,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 using norvane_test::ScratchDirectory;
 
-class PremortalProbe : public norvane_1::HandlerState {
+class PremortalProbe : public norvane_test::PlainHandlerState {
 public:
     bool run() override { return true; }
     using HandlerState::getPremortalWords;

@@ -1,0 +1,25 @@
+#include "on_demand.h"
+
+#include <norvane_1/norvane.h>
+
+#include <vantix_2_18/utf.h>
+
+#include <iostream>
+
+namespace crash_host {
+
+constexpr int kNotEndedExitCode = 8;
+
+int reportOnDemand() {
+    std::wstring const path = norvane_1::collectReport(true, 0, nullptr, false);
+    std::cout << "crash_host: report: " << VANTIX_2_18::utf::to_utf8(path) << std::endl;
+    return path.empty() ? 1 : 0;
+}
+
+int terminateThroughTool() {
+    bool const ended = norvane_1::terminateProduct();
+    std::cout << "crash_host: terminateProduct returned " << (ended ? "true" : "false") << std::endl;
+    return kNotEndedExitCode;
+}
+
+}  // namespace crash_host
