@@ -19,6 +19,18 @@ file(REMOVE_RECURSE "${WORK_DIR}")
 
 run_step("install" ${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${prefix}")
 
+# The feedback tool comes along, and runs from where it was installed: with
+# no arguments it says how to call it and ends with 2.
+file(GLOB tool "${prefix}/bin/kelmur-feedback" "${prefix}/bin/kelmur-feedback.exe")
+if(NOT tool)
+    message(FATAL_ERROR "the feedback tool was not installed into ${prefix}/bin")
+endif()
+execute_process(COMMAND ${EMULATOR} ${tool} RESULT_VARIABLE result OUTPUT_VARIABLE out ERROR_VARIABLE out)
+if(NOT result EQUAL 2 OR NOT out MATCHES "usage: kelmur-feedback")
+    message(FATAL_ERROR "the installed feedback tool did not run (${result}):\n${out}")
+endif()
+message(STATUS "installed feedback tool runs: ok")
+
 set(configure ${CMAKE_COMMAND} -S "${SOURCE_DIR}" -B "${build}" -G Ninja
     "-DCMAKE_PREFIX_PATH=${prefix}" -DCMAKE_BUILD_TYPE=Release)
 if(TOOLCHAIN)
