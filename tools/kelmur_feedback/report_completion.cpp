@@ -10,16 +10,19 @@
 #include <fstream>
 
 namespace kelmur_feedback {
-namespace {
 
-// The report's directory, with its separator: the custom-section list lies
-// beside the report.
+// The custom-section list lies beside the report.
 std::wstring directoryOf(std::string const& path) {
     auto const separator = path.find_last_of("/\\");
     return separator == std::string::npos ? std::wstring() : VANTIX_2_18::utf::from_utf8(path.substr(0, separator + 1));
 }
 
-}  // namespace
+bool writeReportText(std::string const& path, std::wstring const& text) {
+    std::ofstream out(std::filesystem::u8path(path), std::ios::out | std::ios::trunc);
+    out << VANTIX_2_18::utf::to_utf8(text);
+    out.close();
+    return static_cast<bool>(out);
+}
 
 std::optional<std::wstring> completeReport(std::string const& path, std::optional<std::wstring> const& text) {
     if (!text) return text;
@@ -32,8 +35,7 @@ std::optional<std::wstring> completeReport(std::string const& path, std::optiona
     std::wstring const directory = directoryOf(path);
     report.appendCustomSections(directory.empty() ? nullptr : directory.c_str());
     std::wstring const completed = report.toString();
-    std::ofstream out(std::filesystem::u8path(path), std::ios::out | std::ios::trunc);
-    out << VANTIX_2_18::utf::to_utf8(completed);
+    writeReportText(path, completed);
     return completed;
 }
 

@@ -1,5 +1,6 @@
 #include "stack_fallback.h"
 
+#include "report_completion.h"
 #include "report_summary.h"
 
 #include <norvane_1/norvane.h>
@@ -15,11 +16,6 @@ namespace {
 // second process crashing at the same moment may answer in place of ours,
 // and collect its own stack. Asking again reaches ours.
 constexpr int kAttempts = 3;
-
-std::wstring directoryOf(std::string const& path) {
-    auto const separator = path.find_last_of("/\\");
-    return separator == std::string::npos ? std::wstring() : VANTIX_2_18::utf::from_utf8(path.substr(0, separator + 1));
-}
 
 }  // namespace
 

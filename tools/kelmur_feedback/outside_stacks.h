@@ -1,0 +1,32 @@
+// The stacks of a live process's threads, read from outside while the
+// process runs on. outside_stacks_posix.cpp and outside_stacks_windows.cpp
+// implement it.
+//
+// Each thread is stopped only while its own stack is walked, and set going
+// again before the next one: the process never stands still as a whole,
+// and whatever fails, every thread stopped here runs on.
+#pragma once
+
+#include <norvane_1/report_records.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kelmur_feedback {
+
+struct ThreadStack {
+    std::uint32_t threadId = 0;
+    norvane_1::Context registers;
+    norvane_1::CleanStack frames;  // innermost first, each of kind 2 (found by unwind information)
+};
+
+struct OutsideStacks {
+    std::vector<ThreadStack> threads;
+    std::string error;  // why threads are missing; empty when none is
+};
+
+// Threads that end meanwhile are left out.
+OutsideStacks collectThreadStacks(std::uint32_t processId);
+
+}  // namespace kelmur_feedback

@@ -1,0 +1,142 @@
+// Stacks of another process on Linux: ptrace stops one thread at a time,
+// libunwind's remote unwinding walks it through that thread's memory.
+// POSIX code only.
+#include "outside_stacks.h"
+
+#include <libunwind-ptrace.h>
+
+#include <sys/ptrace.h>
+#include <sys/uio.h>
+#include <sys/user.h>
+#include <sys/wait.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <thread>
+
+namespace kelmur_feedback {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kMostFrames = 256;
+// Where the kernel lets only ancestors trace, the library grants us a
+// moment after it started us; a stop may take a moment on a busy machine.
+constexpr auto kAttachPatience = 1s;
+constexpr auto kStopPatience = 2s;
+
+std::vector<std::uint32_t> threadsOf(std::uint32_t processId) {
+    std::vector<std::uint32_t> threads;
+    std::error_code error;
+    for (auto const& entry : std::filesystem::directory_iterator("/proc/" + std::to_string(processId) + "/task", error)) {
+        threads.push_back(static_cast<std::uint32_t>(std::stoul(entry.path().filename().string())));
+    }
+    return threads;
+}
+
+// A thread held in a ptrace stop for as long as the object lives.
+class StoppedThread {
+public:
+    explicit StoppedThread(pid_t thread) : m_thread(thread) {}
+    ~StoppedThread() {
+        if (m_attached) ::ptrace(PTRACE_DETACH, m_thread, nullptr, nullptr);
+    }
+    StoppedThread(StoppedThread const&) = delete;
+    StoppedThread& operator=(StoppedThread const&) = delete;
+
+    // Empty on success, else why not.
+    std::string stop() {
+        auto const deadline = std::chrono::steady_clock::now() + kAttachPatience;
+        while (::ptrace(PTRACE_SEIZE, m_thread, nullptr, nullptr) != 0) {
+            if (errno != EPERM || std::chrono::steady_clock::now() > deadline) return std::strerror(errno);
+            std::this_thread::sleep_for(20ms);
+        }
+        m_attached = true;
+        if (::ptrace(PTRACE_INTERRUPT, m_thread, nullptr, nullptr) != 0) return std::strerror(errno);
+        return waitForStop();
+    }
+
+    bool registers(user_regs_struct& regs) const {
+        iovec vector{&regs, sizeof regs};
+        return ::ptrace(PTRACE_GETREGSET, m_thread, reinterpret_cast<void*>(1), &vector) == 0;  // NT_PRSTATUS
+    }
+
+private:
+    std::string waitForStop() {
+        auto const deadline = std::chrono::steady_clock::now() + kStopPatience;
+        while (std::chrono::steady_clock::now() < deadline) {
+            int status = 0;
+            pid_t const result = ::waitpid(m_thread, &status, __WALL | WNOHANG);
+            if (result == m_thread && WIFSTOPPED(status)) return {};
+            if (result < 0 && errno != EINTR) return std::strerror(errno);
+            std::this_thread::sleep_for(1ms);
+        }
+        return "the thread did not stop";
+    }
+
+    pid_t m_thread;
+    bool m_attached = false;
+};
+
+norvane_1::Context contextOf(user_regs_struct const& regs) {
+    norvane_1::Context context;
+    context.EAX = regs.rax, context.EBX = regs.rbx, context.ECX = regs.rcx, context.EDX = regs.rdx;
+    context.ESI = regs.rsi, context.EDI = regs.rdi, context.EBP = regs.rbp, context.ESP = regs.rsp;
+    context.EIP = regs.rip;
+    context.R8 = regs.r8, context.R9 = regs.r9, context.R10 = regs.r10, context.R11 = regs.r11;
+    context.R12 = regs.r12, context.R13 = regs.r13, context.R14 = regs.r14, context.R15 = regs.r15;
+    return context;
+}
+
+norvane_1::CleanStack unwind(unw_addr_space_t space, pid_t thread) {
+    norvane_1::CleanStack frames;
+    void* access = _UPT_create(thread);
+    if (access == nullptr) return frames;
+    unw_cursor_t cursor;
+    if (unw_init_remote(&cursor, space, access) == 0) {
+        for (int depth = 0; depth < kMostFrames; ++depth) {
+            unw_word_t ip = 0;
+            unw_word_t sp = 0;
+            if (unw_get_reg(&cursor, UNW_REG_IP, &ip) != 0 || ip == 0) break;
+            unw_get_reg(&cursor, UNW_REG_SP, &sp);
+            norvane_1::StackFrame frame;
+            frame.address = ip;
+            frame.stackAddress = sp;
+            frame.kind = 2;
+            frames.push_back(frame);
+            if (unw_step(&cursor) <= 0) break;
+        }
+    }
+    _UPT_destroy(access);
+    return frames;
+}
+
+}  // namespace
+
+OutsideStacks collectThreadStacks(std::uint32_t processId) {
+    OutsideStacks result;
+    unw_addr_space_t const space = unw_create_addr_space(&_UPT_accessors, 0);
+    if (space == nullptr) {
+        result.error = "the unwinder could not be set up";
+        return result;
+    }
+    for (std::uint32_t thread : threadsOf(processId)) {
+        StoppedThread stopped(static_cast<pid_t>(thread));
+        std::string const why = stopped.stop();
+        user_regs_struct regs{};
+        if (!why.empty() || !stopped.registers(regs)) {
+            // A thread that ended meanwhile is no loss; anything else is said.
+            if (std::filesystem::exists("/proc/" + std::to_string(processId) + "/task/" + std::to_string(thread))) {
+                result.error = "thread " + std::to_string(thread) + ": " + (why.empty() ? "no registers" : why);
+            }
+            continue;
+        }
+        result.threads.push_back({thread, contextOf(regs), unwind(space, static_cast<pid_t>(thread))});
+    }
+    unw_destroy_addr_space(space);
+    return result;
+}
+
+}  // namespace kelmur_feedback
