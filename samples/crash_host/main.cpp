@@ -33,6 +33,8 @@
 //                          nothing is mapped
 //   on-demand-report       install, then collectReport of this process with
 //                          its threads' stacks; prints the report's path
+//   wait-in-known-function install, then wait 60 s on a thread in a known
+//                          function, whose address is printed
 //   terminate-product      install, then terminateProduct(): the feedback
 //                          tool ends the process
 //   creation-log-writer    write CRASH_HOST_RECORDS creation-log records
@@ -224,6 +226,7 @@ Kind const kKinds[] = {
     {"no-unwind-info", "faulting in code without unwind information", []() -> int { fault(faultWithoutUnwindInfo); },
      false},
     {"on-demand-report", "collecting a report of this process", reportOnDemand, false},
+    {"wait-in-known-function", "waiting for a report made from outside", waitInKnownFunction, false},
     {"terminate-product", "having the feedback tool end this process", terminateThroughTool, false},
     {"garbage-stack", "handing a stack of garbage to runExceptionHandler",
      []() -> int { return runHandlerDirectly(crashOnGarbageStack); }, false},

@@ -12,4 +12,9 @@ int reportOnDemand();
 // didn't: prints the result, exit code 8.
 int terminateThroughTool();
 
+// For a report of this process made by another: install, start a thread that
+// waits in a known function, print "crash_host: waiting at 0x<its entry>"
+// and wait 60 s. Exit code 0.
+int waitInKnownFunction();
+
 }  // namespace crash_host

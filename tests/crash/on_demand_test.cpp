@@ -67,7 +67,9 @@ TEST(OnDemandReport, OfTheHostGoesThroughTheTool) {
     EXPECT_EQ(VANTIX_2_18::utf::to_utf8(report.getProcessDump().executable).rfind(crash_test::kHostProcessName, 0),
               0u);
 
-    std::string const log = run.logFile("norvane_creation_log.txt");
+    // The tool took the creation log into the report, and the file went.
+    EXPECT_FALSE(std::filesystem::exists(run.logDirectory() / "norvane_creation_log.txt"));
+    std::string const log = VANTIX_2_18::utf::to_utf8(report.getSection(L"CreationLog"));
     std::size_t at = 0;
     for (char const* step : {"Dump report initialized", "Added process memory info", "Added premortal log",
                              "Set failed product info: ", "Set up process dump section",
