@@ -2,6 +2,8 @@
 // feedback tool: the library's side of each, seen from outside where a
 // process is started, and in this process where none must be.
 #include "crash_run.h"
+#include "expectations.h"
+#include "loopback_http_server.h"
 #include "platform_crash.h"
 
 #include <norvane_1/norvane.h>
@@ -10,8 +12,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <regex>
+#include <thread>
 
 namespace {
 
@@ -86,6 +90,61 @@ TEST(OnDemandReport, TerminateProductEndsTheHostThroughTheTool) {
     auto const arguments = run.handlerArguments();
     ASSERT_TRUE(arguments);
     EXPECT_EQ(*arguments, std::vector<std::string>{"-mercy-kill=" + std::to_string(run.hostPid())});
+}
+
+// The address the host prints once its thread waits in the known function.
+std::uint64_t knownFunctionOf(CrashRun const& run) {
+    std::regex const line("waiting at 0x([0-9a-f]+)");
+    for (int wait = 0; wait < 600; ++wait) {
+        std::smatch match;
+        std::string const output = run.hostOutput();
+        if (std::regex_search(output, match, line)) return std::stoull(match[1].str(), nullptr, 16);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    return 0;
+}
+
+// A frame of the thread that waits in the known function returns into it.
+bool someStackWaitsIn(norvane_1::ProblemReportStorage& report, std::uint64_t function) {
+    for (auto const& stack : report.getStackFramesMap()) {
+        for (auto const& frame : stack.second) {
+            if (frame.address > function && frame.address < function + 256) return true;
+        }
+    }
+    return false;
+}
+
+// sendFeedback of another, live process: the tool completes the report
+// with its modules and the stack of every thread, then sends it. The
+// process runs on.
+TEST(OnDemandReport, SendFeedbackOfALiveProcessCarriesEveryThreadsStack) {
+    CrashRun run;
+    auto host = run.start("wait-in-known-function");
+    std::uint64_t const function = knownFunctionOf(run);
+    ASSERT_NE(function, 0u) << run.hostOutput();
+    norvane_test::LoopbackHttpServer server(norvane_test::LoopbackHttpServer::Answer::ok);
+    ScopedVariable const endpoint("KELMUR_FEEDBACK_SEND_URL", server.url());
+    std::filesystem::path const record = run.scratch() / "tool record.txt";
+    ScopedVariable const recordTool("KELMUR_FEEDBACK_RECORD", record.u8string());
+    std::size_t const threads = crash_test::threadCountOf(host->pid());
+
+    std::wstring const directory =
+        crash_test::wide(run.logDirectory()) + static_cast<wchar_t>(std::filesystem::path::preferred_separator);
+    std::filesystem::create_directories(run.logDirectory());
+    ASSERT_TRUE(norvane_1::sendFeedback(true, host->pid(), directory.c_str()));
+
+    // The second run of the tool sent what the first completed.
+    EXPECT_EQ(crash_test::readLines(record).front(), "-send-crash-report");
+    auto const requests = server.requests();
+    ASSERT_EQ(requests.size(), 1u);
+    norvane_1::ProblemReportStorage report;
+    report.fromString(VANTIX_2_18::utf::from_utf8(requests.front().body));
+    EXPECT_TRUE(report.isProcessDump());
+    EXPECT_FALSE(report.getModuleInfo().empty());
+    EXPECT_EQ(report.getStackFramesMap().size(), threads);
+    EXPECT_EQ(report.getContextMap().size(), threads);
+    EXPECT_TRUE(someStackWaitsIn(report, function)) << VANTIX_2_18::utf::to_utf8(report.toString());
+    EXPECT_FALSE(host->wait(std::chrono::milliseconds(100)).finished) << "the process must run on";
 }
 
 // For a crash dialog of the caller no process is started; every call has a

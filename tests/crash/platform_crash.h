@@ -4,6 +4,9 @@
 
 #include "child_process.h"
 
+#include <cstddef>
+#include <cstdint>
+
 namespace crash_test {
 
 // The name the report's "Process" section gives the sample host.
@@ -19,5 +22,8 @@ bool endedByPlatformAccessViolation(norvane_test::ChildOutcome const& outcome);
 // SIGTERM on Linux; on Windows, with no window to close, terminated with
 // exit code 0.
 bool endedByMercyKill(norvane_test::ChildOutcome const& outcome);
+
+// The number of threads a running process has now.
+std::size_t threadCountOf(std::uint32_t processId);
 
 }  // namespace crash_test

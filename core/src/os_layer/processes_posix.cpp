@@ -15,6 +15,7 @@
 
 #include <cerrno>
 #include <fstream>
+#include <limits>
 #include <string>
 
 namespace norvane_1 {
@@ -60,7 +61,8 @@ private:
 }  // namespace
 
 bool isProcessAlive(unsigned long pid) {
-    if (pid == 0) return false;
+    // Beyond pid_t a number would name a process group, or every process.
+    if (pid == 0 || pid > static_cast<unsigned long>(std::numeric_limits<pid_t>::max())) return false;
     if (::kill(static_cast<pid_t>(pid), 0) != 0 && errno != EPERM) return false;
     // A zombie has ended; only its exit code is left to collect.
     char const state = processState(pid);
@@ -72,7 +74,7 @@ int runProcess(std::wstring const& path, std::vector<std::wstring> const& argume
 }
 
 void closeProcess(unsigned long pid) {
-    if (pid == 0) return;
+    if (!isProcessAlive(pid)) return;
     ProcessDescriptor const process(pid);
     if (!process.isOpen() || process.waitForEnd(0)) return;
     process.signal(SIGTERM);
