@@ -104,11 +104,13 @@ std::uint64_t knownFunctionOf(CrashRun const& run) {
     return 0;
 }
 
-// A frame of the thread that waits in the known function returns into it.
+// A frame of the thread that waits in the known function returns into it
+// (within its first kilobyte: instrumented builds make it a few hundred
+// bytes long).
 bool someStackWaitsIn(norvane_1::ProblemReportStorage& report, std::uint64_t function) {
     for (auto const& stack : report.getStackFramesMap()) {
         for (auto const& frame : stack.second) {
-            if (frame.address > function && frame.address < function + 256) return true;
+            if (frame.address > function && frame.address < function + 1024) return true;
         }
     }
     return false;

@@ -66,10 +66,14 @@ fs::path outbox() {
 HttpResult postWithin(HttpRequest const& request) {
     auto const answer = std::make_shared<std::promise<HttpResult>>();
     std::future<HttpResult> result = answer->get_future();
-    std::thread([answer, request] { answer->set_value(httpPost(request)); }).detach();
+    std::thread attempt([answer, request] { answer->set_value(httpPost(request)); });
     if (result.wait_for(request.timeLimit + std::chrono::seconds(1)) != std::future_status::ready) {
+        attempt.detach();
         return {0, "no answer within " + std::to_string(request.timeLimit.count()) + " ms"};
     }
+    // Joined, so that the thread's own clean-up (the TLS library's, among
+    // others) is done before the program ends.
+    attempt.join();
     return result.get();
 }
 
