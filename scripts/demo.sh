@@ -11,6 +11,9 @@
 # task service, so the report shows the crashed thread's frames and the
 # modules they pass through.
 #
+# Then the same host, alive, asks for a report of itself on demand: the
+# feedback tool completes it with every thread's stack, read from outside.
+#
 # Installs what a fresh Debian 12 machine lacks for a native build first.
 set -euo pipefail
 
@@ -42,3 +45,13 @@ env -u NORVANE_DISABLE_EXCEPTION_HANDLER -u NORVANE_CRASH_HANDLER -u KELMUR_FEED
 norvane_log "crash_host ended with exit code 3; the report it left, $logs/crash_info.txt:"
 cat "$logs/crash_info.txt"
 norvane_log "the report is in $logs/crash_info.txt"
+
+ondemand="$logs/on-demand"
+mkdir -p "$ondemand"
+norvane_log "running: crash_host on-demand-report (a report of a live process, log directory $ondemand)"
+env -u NORVANE_DISABLE_EXCEPTION_HANDLER -u NORVANE_CRASH_HANDLER -u NORVANE1_NO_CREATION_LOG \
+    NORVANE_LOG_DIR="$ondemand" build/linux/bin/crash_host on-demand-report \
+    || norvane_die "the on-demand report failed"
+report="$(ls "$ondemand"/report-*.txt)"
+norvane_log "its threads' stacks, from $report:"
+awk '/^\[Stack\.clean/{show=1} /^\[/{if (!/^\[Stack\.clean/) show=0} show' "$report"
