@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <stdexcept>
 #include <thread>
 
 // The sanitizer build must see the CPU fault itself: its own checks would
@@ -50,6 +51,10 @@ CRASH_HOST_FAULT void divideByZero() {
 }
 
 void callAbort() { std::abort(); }
+
+void uncaughtException() {
+    throw std::runtime_error("no one catches this");
+}
 
 void corruptHeap() {
     // Too large for the per-thread cache, which checks without the lock.

@@ -14,6 +14,8 @@ namespace crash_host {
 [[noreturn]] void divideByZero();
 [[noreturn]] void callAbort();
 [[noreturn]] void pureVirtualCall();
+// Throws a std::runtime_error("no one catches this") that nothing catches.
+[[noreturn]] void uncaughtException();
 // Waits without sleeping, so that the moment after it is exact to within
 // microseconds rather than a scheduler's tick.
 void spinFor(std::chrono::microseconds delay);

@@ -7,6 +7,7 @@
 //   divide-by-zero         integer division by zero
 //   abort                  call abort()
 //   pure-virtual           call a pure virtual function (ends in abort)
+//   uncaught-exception     throw a std::runtime_error that nothing catches
 //   run-exception-handler  hand captured registers to runExceptionHandler
 //   two-threads            two threads access address 0 at the same moment
 //   two-threads-apart      two threads access address 0, the second a random
@@ -206,6 +207,7 @@ Kind const kKinds[] = {
     {"divide-by-zero", "dividing by zero", []() -> int { fault(divideByZero); }, false},
     {"abort", "calling abort()", []() -> int { fault(callAbort); }, false},
     {"pure-virtual", "calling a pure virtual function", []() -> int { fault(pureVirtualCall); }, false},
+    {"uncaught-exception", "throwing an exception nothing catches", []() -> int { fault(uncaughtException); }, false},
     {"run-exception-handler", "handing captured registers to runExceptionHandler",
      []() -> int { return runHandlerDirectly(runOwnExceptionHandler); }, false},
     {"two-threads", "accessing address 0 on two threads at once", []() -> int { fault(faultOnTwoThreadsAtOnce); }, false},

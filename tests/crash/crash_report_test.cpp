@@ -20,6 +20,7 @@ struct CrashKind {
     char const* kind;
     std::uint64_t code;
     wchar_t const* description;
+    wchar_t const* uncaughtType = nullptr;  // of the UncaughtException section, which only it may have
 };
 
 // The case's name, which ctest shows in the test's name.
@@ -56,6 +57,14 @@ TEST_P(EachCrashKind, EndsWithExitCode3AndACompleteReport) {
     EXPECT_EQ(norvane_1::get(crash_test::sectionKeys(report, L"ClientInfo"), L"CrashKind"),
               wide(std::string(GetParam().kind)));
     EXPECT_EQ(run.handlerArguments(), crash_test::fixedHandlerArguments(run.logDirectory(), run.hostPid()));
+
+    norvane_1::StringMap const uncaught = crash_test::sectionKeys(report, L"UncaughtException");
+    if (GetParam().uncaughtType == nullptr) {
+        EXPECT_TRUE(uncaught.empty());
+    } else {
+        EXPECT_EQ(norvane_1::string_traits::decodeString(norvane_1::get(uncaught, L"Type")), GetParam().uncaughtType);
+        EXPECT_EQ(norvane_1::string_traits::decodeString(norvane_1::get(uncaught, L"What")), L"no one catches this");
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -65,6 +74,8 @@ INSTANTIATE_TEST_SUITE_P(
                     CrashKind{"abort", 0x412, L"ABORT_CALL"},
                     // The C++ run-time on both platforms ends a pure call in abort.
                     CrashKind{"pure-virtual", 0x412, L"ABORT_CALL"},
+                    // The run-time ends it in terminate and abort; the report names it.
+                    CrashKind{"uncaught-exception", 0x412, L"ABORT_CALL", L"std::runtime_error"},
                     CrashKind{"run-exception-handler", 0x80000003, L"EXCEPTION_BREAKPOINT"},
                     // Ours must be back within the 1.5 s the host waits.
                     CrashKind{"replace-filter", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"}));

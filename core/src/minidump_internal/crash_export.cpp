@@ -2,8 +2,11 @@
 // Portable code only.
 #include <norvane_1/crash_handling.h>
 #include <norvane_1/handler_state.h>
+#include <norvane_1/string_traits.h>
 
+#include "exception_names.h"
 #include "log_directory.h"
+#include "uncaught_exception.h"
 #include "os_layer/text_files.h"
 
 #include <gavrel2/environment.h>
@@ -29,6 +32,19 @@ bool lockWithPatience(boost::mutex& mutex) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     return false;
+}
+
+// Beside an ABORT_CALL that an uncaught C++ exception led to, its type and
+// what() in a section of their own:
+//   [UncaughtException]
+//   Type: std::runtime_error
+//   What: no&nbsp;one&nbsp;catches&nbsp;this
+void addUncaughtException(ProblemReportStorage& report, Exception const& exception) {
+    std::wstring type;
+    std::wstring what;
+    if (exception.code != kAbortExceptionCode || !internal::takeUncaughtException(type, what)) return;
+    StringMap const keys{{L"Type", string_traits::encodeString(type)}, {L"What", string_traits::encodeString(what)}};
+    report.setSection(L"UncaughtException", processMapToSection(keys));
 }
 
 void writeReport(std::wstring const& path, std::string const& utf8Text) {
@@ -61,6 +77,7 @@ bool HandlerState::exportCrashInfo(DumpInfo const& info) {
     m_storage.setCrashedTid(info.crashedThreadId);
     m_storage.setCrashedPid(info.stackProcessId + info.moduleMapProcessId);
     record(L"Set exception info, thread ID, pid");
+    addUncaughtException(m_storage, info.exception);
 
     m_storage.addContext(m_context, info.crashedThreadId);
     record(L"Set thread context");

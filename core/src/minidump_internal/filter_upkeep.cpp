@@ -12,6 +12,7 @@
 #include "filter_upkeep.h"
 #include "platform.h"
 #include "process_globals.h"
+#include "uncaught_exception.h"
 
 #include <gavrel2/environment.h>
 #include <gavrel2/shared_lib.h>
@@ -118,6 +119,7 @@ void installCrashHandling(ExceptionHandler* handler) {
     g_exceptionHandler = handler;
     platform::prepareInstallingThread();
     if (g_filterThread == nullptr) startFilterUpkeep(handler);
+    internal::installTerminateHandler();
     loadAssertionLibrary();
 }
 
@@ -150,6 +152,7 @@ void removeCrashHandling() {
     unloadAssertionLibrary();
     stopFilterUpkeep();
     platform::resetProcessHooks();
+    internal::restoreTerminateHandler();
     if (!HandlerState::isNull() && HandlerState::get()->isInitialized()) HandlerState::get()->release();
 }
 
