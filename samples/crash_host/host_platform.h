@@ -34,4 +34,8 @@ std::size_t countThreads();
 // ignored on Linux). Windows has no such setting: nothing happens there.
 void ignoreChildProcessEnds();
 
+// Sets a variable of this process's environment, which the programs it
+// starts inherit; null removes it.
+void setEnvironmentVariable(char const* name, char const* value);
+
 }  // namespace crash_host

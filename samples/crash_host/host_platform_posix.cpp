@@ -85,4 +85,12 @@ std::size_t countThreads() {
 
 void ignoreChildProcessEnds() { ::signal(SIGCHLD, SIG_IGN); }
 
+void setEnvironmentVariable(char const* name, char const* value) {
+    if (value != nullptr) {
+        ::setenv(name, value, 1);
+    } else {
+        ::unsetenv(name);
+    }
+}
+
 }  // namespace crash_host

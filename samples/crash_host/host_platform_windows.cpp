@@ -82,4 +82,6 @@ std::size_t countThreads() {
 
 void ignoreChildProcessEnds() {}
 
+void setEnvironmentVariable(char const* name, char const* value) { ::SetEnvironmentVariableA(name, value); }
+
 }  // namespace crash_host

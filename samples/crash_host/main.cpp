@@ -36,6 +36,9 @@
 //                          its threads' stacks; prints the report's path
 //   wait-in-known-function install, then wait 60 s on a thread in a known
 //                          function, whose address is printed
+//   pass-on-then-fault     runExceptionHandler with the handler told to exit
+//                          with 6 (passed on), then reset, install again and
+//                          access address 0
 //   terminate-product      install, then terminateProduct(): the feedback
 //                          tool ends the process
 //   creation-log-writer    write CRASH_HOST_RECORDS creation-log records
@@ -182,6 +185,18 @@ int exitDuringCrash() {
     std::exit(0);
 }
 
+// A crash passed on must leave crash handling usable: after a reset and a
+// new install, the next crash is handled again.
+int faultAfterAPassedOnCrash() {
+    setEnvironmentVariable("KELMUR_FEEDBACK_EXIT_CODE", "6");
+    runOwnExceptionHandler();
+    say("the first crash was passed on; installing again");
+    setEnvironmentVariable("KELMUR_FEEDBACK_EXIT_CODE", nullptr);
+    norvane_1::resetUnhandledExceptionHandler();
+    install();
+    fault(accessViolation);
+}
+
 int faultWithCustomSections() {
     if (!registerCustomSections()) {
         say("can't register the custom sections: is NORVANE_LOG_DIR set?");
@@ -229,6 +244,7 @@ Kind const kKinds[] = {
      false},
     {"on-demand-report", "collecting a report of this process", reportOnDemand, false},
     {"wait-in-known-function", "waiting for a report made from outside", waitInKnownFunction, false},
+    {"pass-on-then-fault", "passing a crash on, then crashing again", faultAfterAPassedOnCrash, false},
     {"terminate-product", "having the feedback tool end this process", terminateThroughTool, false},
     {"garbage-stack", "handing a stack of garbage to runExceptionHandler",
      []() -> int { return runHandlerDirectly(crashOnGarbageStack); }, false},

@@ -77,6 +77,8 @@ INSTANTIATE_TEST_SUITE_P(
                     // The run-time ends it in terminate and abort; the report names it.
                     CrashKind{"uncaught-exception", 0x412, L"ABORT_CALL", L"std::runtime_error"},
                     CrashKind{"run-exception-handler", 0x80000003, L"EXCEPTION_BREAKPOINT"},
+                    // A crash passed on leaves handling usable once the host installs again.
+                    CrashKind{"pass-on-then-fault", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
                     // Ours must be back within the 1.5 s the host waits.
                     CrashKind{"replace-filter", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"}));
 

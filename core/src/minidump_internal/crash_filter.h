@@ -20,6 +20,12 @@ long dumpMiniDump(ExceptionData* data);
 // decided, which is forever when the process is ended with exit code 3.
 void holdLateFault();
 
+// After a crash that was passed on (the handler said "not our exception"
+// and the process lived on, as after runExceptionHandler), the install step
+// makes crash handling idle again, so the next crash is handled as the
+// first was. Nothing happens in any other state.
+void returnToIdleAfterPassedOnCrash();
+
 // Whether a crash has begun and is not yet decided: at process exit, its
 // threads have been ended wherever they were.
 bool crashInProgress();

@@ -111,6 +111,14 @@ void holdLateFault() {
     while (!g_crashPassedOn) std::this_thread::sleep_for(std::chrono::milliseconds(50));
 }
 
+void returnToIdleAfterPassedOnCrash() {
+    if (!g_crashPassedOn) return;
+    std::uint32_t owner = g_crashOwner;
+    // The owner has returned from dumpMiniDump long before the host installs
+    // again; only a concurrent remove step may hold the owner meanwhile.
+    if (owner != kRemoval && g_crashOwner.compare_exchange_strong(owner, 0)) g_crashPassedOn = false;
+}
+
 bool crashInProgress() {
     std::uint32_t const owner = g_crashOwner;
     return owner != 0 && owner != kRemoval && !g_crashPassedOn;

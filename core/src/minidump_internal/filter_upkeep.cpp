@@ -111,6 +111,7 @@ bool exceptionHandlingDisabled() {
 
 void installCrashHandling(ExceptionHandler* handler) {
     if (exceptionHandlingDisabled()) return;
+    returnToIdleAfterPassedOnCrash();
     HandlerState* state = HandlerState::get();
     if (state != nullptr) {
         boost::lock_guard<boost::mutex> guard(state->getMutex());
