@@ -39,6 +39,9 @@
 //   pass-on-then-fault     runExceptionHandler with the handler told to exit
 //                          with 6 (passed on), then reset, install again and
 //                          access address 0
+//   reset-in-shutdown-callback
+//                          a shutdown callback that takes crash handling off,
+//                          then access address 0
 //   terminate-product      install, then terminateProduct(): the feedback
 //                          tool ends the process
 //   creation-log-writer    write CRASH_HOST_RECORDS creation-log records
@@ -197,6 +200,16 @@ int faultAfterAPassedOnCrash() {
     fault(accessViolation);
 }
 
+// The callback runs on the crashed thread, inside the crash: the reset it
+// asks for must neither hang nor spin, and the crash goes on.
+int faultWithResettingCallback() {
+    norvane_1::setGFGSutdownCallback([] {
+        norvane_1::resetUnhandledExceptionHandler();
+        return true;
+    });
+    fault(accessViolation);
+}
+
 int faultWithCustomSections() {
     if (!registerCustomSections()) {
         say("can't register the custom sections: is NORVANE_LOG_DIR set?");
@@ -245,6 +258,8 @@ Kind const kKinds[] = {
     {"on-demand-report", "collecting a report of this process", reportOnDemand, false},
     {"wait-in-known-function", "waiting for a report made from outside", waitInKnownFunction, false},
     {"pass-on-then-fault", "passing a crash on, then crashing again", faultAfterAPassedOnCrash, false},
+    {"reset-in-shutdown-callback", "accessing address 0 with a shutdown callback that resets",
+     faultWithResettingCallback, false},
     {"terminate-product", "having the feedback tool end this process", terminateThroughTool, false},
     {"garbage-stack", "handing a stack of garbage to runExceptionHandler",
      []() -> int { return runHandlerDirectly(crashOnGarbageStack); }, false},

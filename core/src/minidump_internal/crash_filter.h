@@ -35,6 +35,10 @@ bool crashInProgress();
 // that crash ends the process), except at process exit, when the crash's
 // threads may be gone. While it is held, a fault on any thread is
 // passed on at once: the state it would need is being torn down.
+//
+// A thread that serves the crash in progress (its owner, in the shutdown
+// callback say, or the worker) would wait for itself: it gets the removal
+// refused at once instead, and the crash goes on as if it had not asked.
 class CrashHandlingRemoval {
 public:
     CrashHandlingRemoval();
@@ -42,8 +46,11 @@ public:
     CrashHandlingRemoval(CrashHandlingRemoval const&) = delete;
     CrashHandlingRemoval& operator=(CrashHandlingRemoval const&) = delete;
 
+    bool refused() const { return m_refused; }
+
 private:
     bool m_claimed = false;
+    bool m_refused = false;
 };
 
 }  // namespace norvane_1

@@ -136,6 +136,10 @@ CrashHandlingRemoval::CrashHandlingRemoval() {
         // there at process exit: on Windows the system has ended the crash's
         // threads before the library is detached, so it will never be decided.
         if (expected != kRemoval && (g_crashPassedOn || g_processExiting)) return;
+        if (expected != kRemoval && servesTheCrash(platform::currentThreadId())) {
+            m_refused = true;
+            return;
+        }
         if (expected == kRemoval) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));  // another remove step
         } else {

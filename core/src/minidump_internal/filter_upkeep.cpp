@@ -150,6 +150,7 @@ void stopFilterUpkeep() {
 void removeCrashHandling() {
     if (exceptionHandlingDisabled()) return;
     CrashHandlingRemoval const noCrashMeanwhile;
+    if (noCrashMeanwhile.refused()) return;  // called from within the crash
     unloadAssertionLibrary();
     stopFilterUpkeep();
     platform::resetProcessHooks();
