@@ -77,18 +77,22 @@ HttpResult postWithin(HttpRequest const& request) {
     return result.get();
 }
 
-// Copies the report into the outbox; exit code 1 with the reason, and
-// where the report is now (or that it stayed only where it was).
-int keepInOutbox(std::string const& path, std::string const& reason) {
+// Writes the report's bytes, as read, into the outbox; exit code 1 with the
+// reason, and where the report is now (or that it stayed only where it was).
+// Written rather than copied: the mingw-w64 C++ library's copy_file ignores
+// overwrite_existing, and a report sent again after an earlier failure must
+// replace the copy kept then.
+int keepInOutbox(std::string const& path, std::string const& bytes, std::string const& reason) {
     fs::path const folder = outbox();
     fs::path const kept = folder / fs::u8path(path).filename();
     std::error_code error;
     fs::create_directories(folder, error);
-    fs::copy_file(fs::u8path(path), kept, fs::copy_options::overwrite_existing, error);
+    std::ofstream out(kept, std::ios::binary | std::ios::trunc);
+    bool const written = out.write(bytes.data(), static_cast<std::streamsize>(bytes.size())) && out.flush();
     std::cerr << "kelmur-feedback: " << reason << "; ";
-    if (error) {
-        std::cerr << "it could not be kept in " << folder.u8string() << " (" << error.message() << ") and stays at "
-                  << path << '\n';
+    if (!written) {
+        std::cerr << "it could not be kept in " << folder.u8string()
+                  << (error ? " (" + error.message() + ")" : std::string()) << " and stays at " << path << '\n';
     } else {
         std::cerr << "kept in " << kept.u8string() << '\n';
     }
@@ -105,7 +109,9 @@ int sendReport(SendCommand const& command) {
     }
     HttpRequest request;
     request.url = environmentValue("KELMUR_FEEDBACK_SEND_URL");
-    if (request.url.empty()) return keepInOutbox(command.crashInfoFile, "no KELMUR_FEEDBACK_SEND_URL to send to");
+    if (request.url.empty()) {
+        return keepInOutbox(command.crashInfoFile, *report, "no KELMUR_FEEDBACK_SEND_URL to send to");
+    }
     request.body = *report;
     request.contentType = "text/plain; charset=utf-8";
     request.headers = {{"X-Report-Title", percentEncoded(command.title)},
@@ -118,7 +124,7 @@ int sendReport(SendCommand const& command) {
         if (result.status >= 200 && result.status < 300) return 0;
         failure = result.status != 0 ? "the server answered " + std::to_string(result.status) : result.error;
     }
-    return keepInOutbox(command.crashInfoFile,
+    return keepInOutbox(command.crashInfoFile, *report,
                         "the report could not be sent to " + request.url + " (" + failure + ", twice)");
 }
 
