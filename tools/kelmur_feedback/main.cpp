@@ -19,6 +19,9 @@
 //   KELMUR_FEEDBACK_EXIT_CODE=<n>     exit with n once the work is done
 //   KELMUR_FEEDBACK_KEEP_REPORT=1     leave crash_info.txt as the library wrote
 //                                     it (for timing the library's export)
+//   KELMUR_FEEDBACK_OUTBOX=<dir>      keep reports that could not be sent
+//                                     there, not beside the program
+//                                     (report_sending.h)
 #include "command_line.h"
 #include "invocation_record.h"
 #include "on_demand_report.h"
