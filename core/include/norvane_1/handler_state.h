@@ -20,6 +20,7 @@
 #include <gavrel2/variant.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -36,6 +37,7 @@ class unique_lock;
 namespace norvane_1 {
 
 struct MinidumpModuleMap;
+class CrashStages;
 
 // The facts of one crash, from the worker thread to the ExceptionHandler.
 struct DumpInfo {
@@ -72,6 +74,16 @@ public:
     // The body of the worker thread.
     void operator()();
     bool isInitialized() const;
+
+    // The crash hand-over, as the crashed thread sees it; each call takes a
+    // lock of its own on the worker mutex. handOverCrash runs `prepare` under
+    // the mutex, sets both flags and wakes the worker; awaitWorker sleeps,
+    // with no time limit, until the worker has ended and gives its exit code.
+    void handOverCrash(std::function<void()> const& prepare);
+    int awaitWorker();
+    // Where the process stands with a crash (crash_stages.h): the one state
+    // that the crashed thread, later faults, install and remove share.
+    static CrashStages& crashStages();
 
     // The hand-over flags; the caller holds the worker mutex.
     void setRunStatus(bool run);

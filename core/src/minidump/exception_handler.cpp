@@ -4,6 +4,7 @@
 #include <norvane_1/handler_state.h>
 #include <norvane_1/string_traits.h>
 
+#include "minidump_internal/crash_filter.h"
 #include "minidump_internal/filter_upkeep.h"
 #include "minidump_internal/platform.h"
 
@@ -54,7 +55,10 @@ ExceptionHandler& ExceptionHandler::operator=(ExceptionHandler const&) = default
 
 ActualExceptionHandler::ActualExceptionHandler() = default;
 
-ActualExceptionHandler::~ActualExceptionHandler() { removeCrashHandling(); }
+ActualExceptionHandler::~ActualExceptionHandler() {
+    carryOnCrashLeftByExit();
+    removeCrashHandling();
+}
 
 int ActualExceptionHandler::handleCrash(DumpInfo const& info) {
     if (m_path.empty()) return -1;
@@ -62,7 +66,9 @@ int ActualExceptionHandler::handleCrash(DumpInfo const& info) {
 }
 
 int ActualExceptionHandler::spawnHandler(std::wstring const& path, std::vector<std::wstring> const& arguments) {
-    return platform::spawnAndWait(path, arguments);
+    // Once the handler runs, the crash's time budget is over: the handler
+    // may take as long as it needs, showing the report to a person say.
+    return platform::spawnAndWait(path, arguments, platform::endCrashBudget);
 }
 
 void ActualExceptionHandler::setHandlerPath(wchar_t const* path) {

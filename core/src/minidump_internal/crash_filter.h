@@ -3,6 +3,8 @@
 
 #include <norvane_1/exception_data.h>
 
+#include <cstdint>
+
 namespace norvane_1 {
 
 // Filter results, as the system's unhandled-exception filter knows them.
@@ -13,6 +15,20 @@ constexpr long kExecuteHandler = 1;
 // and ends the process with exit code 3, or returns kContinueSearch when the
 // handler process says the exception isn't the product's.
 long dumpMiniDump(ExceptionData* data);
+// The same on behalf of thread `crashedThreadId`, parked meanwhile, whose
+// own stack can't carry the steps (a stack overflow on Windows).
+long dumpMiniDumpFor(ExceptionData* data, std::uint32_t crashedThreadId);
+
+// The late-fault hooks' way in: the owner's fault inside the shutdown
+// callback goes on to dumpMiniDump, which carries the first crash on; any
+// other is held as holdLateFault holds it, and then passed on.
+long lateFault(ExceptionData* data);
+
+// The host's shutdown callback called exit, whose clean-up has reached the
+// handler object: the crash goes on from here, with the worker still alive,
+// and the process ends with exit code 3 (or exit goes on, when the crash is
+// passed on). Anywhere else it does nothing.
+void carryOnCrashLeftByExit();
 
 // For a fault that comes while a crash is handled. A thread that serves the
 // crash (its owner, the worker) returns at once, so that its fault ends the

@@ -10,6 +10,7 @@
 
 #include "crash_filter.h"
 #include "filter_upkeep.h"
+#include "logging/logging.h"
 #include "platform.h"
 #include "process_globals.h"
 #include "uncaught_exception.h"
@@ -103,6 +104,31 @@ void unloadAssertionLibrary() {
     g_assertLibrary.uninitialize();
 }
 
+
+// The budget of a crash up to its handler's start, from
+// NORVANE_CRASH_BUDGET_MS: a whole number of milliseconds, at least 1. Any
+// other value is said in the log and the default stands.
+std::uint32_t crashBudgetFromEnvironment() {
+    constexpr std::uint32_t kDefault = 30000;
+    std::wstring const text = gavrel2::get_environ_value(L"NORVANE_CRASH_BUDGET_MS");
+    if (text.empty()) return kDefault;
+    std::uint64_t value = 0;
+    for (wchar_t const c : text) {
+        if (c < L'0' || c > L'9' || value > 86400000) {
+            value = 0;
+            break;
+        }
+        value = value * 10 + static_cast<std::uint64_t>(c - L'0');
+    }
+    if (value == 0 || value > 86400000) {
+        NORVANE_LOG_AT(log::platformLogger(), log4cplus::WARN_LOG_LEVEL,
+                         L"NORVANE_CRASH_BUDGET_MS is not a number of milliseconds from 1 to 86400000: '"
+                             << text << L"'; the crash budget stays 30000 ms");
+        return kDefault;
+    }
+    return static_cast<std::uint32_t>(value);
+}
+
 }  // namespace
 
 bool exceptionHandlingDisabled() {
@@ -118,7 +144,8 @@ void installCrashHandling(ExceptionHandler* handler) {
         if (!state->isInitialized()) state->init();
     }
     g_exceptionHandler = handler;
-    platform::prepareInstallingThread();
+    platform::prepareCrashBudget(crashBudgetFromEnvironment());
+    platform::prepareThreadsForStackOverflow();
     if (g_filterThread == nullptr) startFilterUpkeep(handler);
     internal::installTerminateHandler();
     loadAssertionLibrary();
@@ -154,6 +181,8 @@ void removeCrashHandling() {
     unloadAssertionLibrary();
     stopFilterUpkeep();
     platform::resetProcessHooks();
+    platform::stopPreparingNewThreads();
+    platform::dropCrashBudget();
     internal::restoreTerminateHandler();
     if (!HandlerState::isNull() && HandlerState::get()->isInitialized()) HandlerState::get()->release();
 }

@@ -2,15 +2,17 @@
 // Portable code only.
 //
 // The worker waits on m_condition until a crash (m_runStatus) or an end
-// (m_exitStatus) is asked for. Both flags are written under m_workerMutex;
-// the crashed thread and release() take that mutex through the one lock
-// object m_lock, the worker through lock objects of its own. A worker serves
-// one crash: when the crashed thread sets both flags, one pass of the loop
-// does the crash work, then clears the exit flag and ends, and the crashed
-// thread, which waits for the exit flag to fall, wakes.
+// (m_exitStatus) is asked for. Both flags are written under m_workerMutex,
+// and every thread that takes it (the crashed thread, release(), the worker)
+// does so through a lock object of its own: a lock object shared between
+// threads would be a data race of its own. A worker serves one crash: when
+// the crashed thread sets both flags, one pass of the loop does the crash
+// work, then clears the exit flag and ends, and the crashed thread, which
+// waits for the exit flag to fall, wakes. m_lock is kept for getLock().
 #include <norvane_1/crash_handling.h>
 #include <norvane_1/handler_state.h>
 
+#include "crash_stages.h"
 #include "platform.h"
 #include "process_globals.h"
 
@@ -101,10 +103,11 @@ void HandlerState::release() {
         return;
     }
     m_initialized = false;
-    m_lock->lock();
-    while (m_exitStatus) m_condition->wait(*m_lock);  // let a hand-over under way finish
-    m_exitStatus = true;
-    m_lock->unlock();
+    {
+        boost::unique_lock<boost::mutex> lock(*m_workerMutex);
+        while (m_exitStatus) m_condition->wait(lock);  // let a hand-over under way finish
+        m_exitStatus = true;
+    }
     m_condition->notify_one();
     bool const joined = m_thread->timed_join(boost::get_system_time() +
                                              boost::posix_time::microseconds(kReleaseJoinMicroseconds));
@@ -117,6 +120,27 @@ void HandlerState::release() {
         // alive rather than free it under the worker.
         static_cast<void>(m_handler.release());
     }
+}
+
+void HandlerState::handOverCrash(std::function<void()> const& prepare) {
+    {
+        boost::unique_lock<boost::mutex> lock(*m_workerMutex);
+        prepare();
+        m_runStatus = true;
+        m_exitStatus = true;
+    }
+    m_condition->notify_one();
+}
+
+int HandlerState::awaitWorker() {
+    boost::unique_lock<boost::mutex> lock(*m_workerMutex);
+    while (m_exitStatus) m_condition->wait(lock);
+    return m_exitCode;
+}
+
+CrashStages& HandlerState::crashStages() {
+    static CrashStages stages;  // no data of its own: its one word is a constant-initialised atomic
+    return stages;
 }
 
 bool HandlerState::isInitialized() const { return m_initialized; }

@@ -27,9 +27,12 @@ void resetProcessHooks();
 // a crash signal or exception without a hook of ours. Removed by
 // resetProcessHooks.
 void setLateFaultHooks();
-// Readies the calling thread (the one that installs crash handling) to run
-// the crash path even when its own stack is used up.
-void prepareInstallingThread();
+// Readies the threads of the process, the installing one, those running and
+// those started from now on, to run the crash path even when their own
+// stack is used up. stopPreparingNewThreads (remove step) leaves threads
+// started later as they come.
+void prepareThreadsForStackOverflow();
+void stopPreparingNewThreads();
 
 // Crashed thread, before the hand-over: copies what `data` points at into
 // the platform's state object, with the crashed process's and thread's ids.
@@ -40,11 +43,24 @@ void suppressFaultDialogs();
 void restoreFaultDialogs();
 // Ends the crashed process with exit code 3. Returns only if that failed.
 void endCrashedProcess();
-// Crashed thread: a time limit for the way to the hand-over, which a lock
-// left held by the crash can block. Past it the process ends with exit code
-// 3 and no report rather than hang. Armed on entry, disarmed at the hand-over.
-void armHandOverDeadline();
-void disarmHandOverDeadline();
+// The crash's time budget, from the fault until the handler process has
+// started: past it the process ends with exit code 3 and a line on standard
+// error, with whatever report is on disk, rather than hang on a lock that
+// the crash left held. prepareCrashBudget (install step) sets its length and
+// readies what watches it; dropCrashBudget (remove step) takes that down.
+// armCrashBudget runs first thing on the crashed thread and is
+// async-signal-safe; endCrashBudget runs once the handler process has
+// started, or once the crash is decided, and does nothing when no budget is
+// armed. The wait for the handler itself has no limit.
+void prepareCrashBudget(std::uint32_t milliseconds);
+void dropCrashBudget();
+void armCrashBudget();
+void endCrashBudget();
+
+// Crashed thread, before the shutdown callback: a fault of the callback must
+// reach the crash path again rather than end the process (on Linux the
+// crash signals are blocked inside their own handlers).
+void admitNestedFaults();
 
 // "\\" on Windows, "/" on Linux: what the library adds to a directory.
 wchar_t pathSeparator();
@@ -53,9 +69,11 @@ std::uint32_t currentProcessId();
 std::uint32_t currentThreadId();
 
 // Starts `program` with `arguments` and waits for its end without a time
-// limit; the program receives each argument as one, blanks included. The
-// exit code, or -1 if the program could not be started.
-int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& arguments);
+// limit; the program receives each argument as one, blanks included.
+// `started`, when given, runs once the program runs. The exit code, or -1 if
+// the program could not be started.
+int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& arguments,
+                 void (*started)() = nullptr);
 
 // ".exe" on Windows, empty on Linux: what a program's file name ends with.
 wchar_t const* programExtension();

@@ -49,7 +49,7 @@ int waitForExitCode(pid_t child) {
 
 }  // namespace
 
-int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& arguments) {
+int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& arguments, void (*started)()) {
     std::vector<std::string> texts{VANTIX_2_18::utf::to_utf8(program)};
     for (auto const& argument : arguments) texts.push_back(VANTIX_2_18::utf::to_utf8(argument));
     std::vector<char*> argv;
@@ -59,6 +59,7 @@ int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& a
     DefaultChildSignal const reapedByUs;
     pid_t child = 0;
     if (::posix_spawn(&child, texts[0].c_str(), nullptr, nullptr, argv.data(), environ) != 0) return -1;
+    if (started != nullptr) started();
     return waitForExitCode(child);
 }
 

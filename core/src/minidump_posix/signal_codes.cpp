@@ -23,6 +23,22 @@ std::uint32_t floatingPointCode(int signalCode) {
 
 }  // namespace
 
+// How far from the stack pointer a frame's first touch of its memory lands:
+// a push or a probe just below it, a store into a frame just made anywhere
+// above it. Memory that near the stack pointer is the stack's own, and it
+// faults only where the stack has run out; a fault farther away is an
+// ordinary one.
+constexpr std::uint64_t kStackEdgeReach = 64 * 1024;
+
+std::uint32_t exceptionCodeOfCrash(int signalNumber, siginfo_t const* info, std::uint64_t stackPointer) {
+    if (info == nullptr) return exceptionCodeOfSignal(signalNumber, 0);
+    if (signalNumber == SIGSEGV) {
+        auto const address = reinterpret_cast<std::uint64_t>(info->si_addr);
+        if (address + kStackEdgeReach >= stackPointer && address <= stackPointer + kStackEdgeReach) return 0xC00000FD;
+    }
+    return exceptionCodeOfSignal(signalNumber, info->si_code);
+}
+
 std::uint32_t exceptionCodeOfSignal(int signalNumber, int signalCode) {
     switch (signalNumber) {
         case SIGSEGV: return 0xC0000005;

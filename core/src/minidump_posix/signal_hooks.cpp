@@ -14,7 +14,6 @@
 #include <pthread.h>
 #include <signal.h>
 
-#include <cstdlib>
 #include <iterator>
 
 namespace norvane_1 {
@@ -36,8 +35,9 @@ void onCrashSignal(int signalNumber, siginfo_t* info, void* context) {
     passOnToDefaultAction(signalNumber);
 }
 
-void onLateCrashSignal(int signalNumber, siginfo_t*, void*) {
-    holdLateFault();
+void onLateCrashSignal(int signalNumber, siginfo_t* info, void* context) {
+    ExceptionData data{signalNumber, info, context};
+    lateFault(&data);
     passOnToDefaultAction(signalNumber);
 }
 
@@ -72,18 +72,13 @@ void setLateFaultHooks() {
     for (int signalNumber : kCrashSignals) setAction(signalNumber, onLateCrashSignal);
 }
 
-// A stack overflow leaves no stack to run the handler on; the installing
-// thread, usually the main thread, gets a stack of its own for signals.
-// It is made once and never freed: the thread may use it until it ends.
-void prepareInstallingThread() {
-    stack_t current{};
-    if (::sigaltstack(nullptr, &current) == 0 && (current.ss_flags & SS_DISABLE) == 0) return;
-    constexpr std::size_t kStackSize = 256 * 1024;
-    stack_t alternate{};
-    alternate.ss_sp = std::malloc(kStackSize);
-    if (alternate.ss_sp == nullptr) return;
-    alternate.ss_size = kStackSize;
-    ::sigaltstack(&alternate, nullptr);
+// A crash signal's handler runs with that signal blocked, and a fault of a
+// blocked signal ends the process on the spot.
+void admitNestedFaults() {
+    sigset_t crashSignals;
+    sigemptyset(&crashSignals);
+    for (int signalNumber : kCrashSignals) sigaddset(&crashSignals, signalNumber);
+    ::pthread_sigmask(SIG_UNBLOCK, &crashSignals, nullptr);
 }
 
 }  // namespace platform

@@ -20,11 +20,6 @@ void restoreFaultDialogs() { ::SetErrorMode(0); }
 
 void endCrashedProcess() { ::TerminateProcess(::GetCurrentProcess(), 3); }
 
-// Windows ends a process with a corrupted heap itself (a fail-fast that
-// never reaches the filter), so the hand-over has no deadline here.
-void armHandOverDeadline() {}
-void disarmHandOverDeadline() {}
-
 wchar_t pathSeparator() { return L'\\'; }
 wchar_t const* programExtension() { return L".exe"; }
 

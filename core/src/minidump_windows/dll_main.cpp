@@ -14,6 +14,7 @@
 // host gave, and nothing more of this library or the ones it uses runs.
 #include "minidump_internal/crash_filter.h"
 #include "minidump_internal/filter_upkeep.h"
+#include "stack_overflow.h"
 
 #include <windows.h>
 
@@ -28,6 +29,7 @@ void endWithTheHostsExitCode() {
 }  // namespace
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID reserved) {
+    if (reason == DLL_THREAD_ATTACH) norvane_1::keepRoomOnNewThread();
     if (reason != DLL_PROCESS_DETACH) return TRUE;
     bool const processExit = reserved != nullptr;
     if (processExit && norvane_1::crashInProgress()) endWithTheHostsExitCode();

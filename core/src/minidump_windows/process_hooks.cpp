@@ -7,6 +7,7 @@
 #include "minidump_internal/crash_filter.h"
 #include "minidump_internal/exception_names.h"
 #include "minidump_internal/platform.h"
+#include "stack_overflow.h"
 
 #include <windows.h>
 
@@ -15,7 +16,13 @@
 namespace norvane_1 {
 namespace {
 
-LONG WINAPI unhandledExceptionFilter(EXCEPTION_POINTERS* pointers) { return dumpMiniDump(pointers); }
+// A stack overflow leaves too little stack for the steps: they go to a
+// relay thread (stack_overflow.cpp).
+LONG WINAPI unhandledExceptionFilter(EXCEPTION_POINTERS* pointers) {
+    bool const overflow = pointers != nullptr && pointers->ExceptionRecord != nullptr &&
+                          pointers->ExceptionRecord->ExceptionCode == EXCEPTION_STACK_OVERFLOW;
+    return overflow ? relayStackOverflow(pointers) : dumpMiniDump(pointers);
+}
 
 // The run-time library sets SIGABRT back to its default before it calls a
 // handler; set at once again, so that an abort on another thread meanwhile
@@ -27,10 +34,7 @@ void raiseAbortException(int) {
 
 void raisePureCallException() { ::RaiseException(kPureCallExceptionCode, 0, 0, nullptr); }
 
-LONG WINAPI lateFaultFilter(EXCEPTION_POINTERS*) {
-    holdLateFault();
-    return EXCEPTION_CONTINUE_SEARCH;
-}
+LONG WINAPI lateFaultFilter(EXCEPTION_POINTERS* pointers) { return lateFault(pointers); }
 
 // An abort while a crash is handled: held, then the run-time library's own
 // abort goes on.
@@ -88,12 +92,8 @@ void setLateFaultHooks() {
     setPureCallHandler(nullptr);
 }
 
-// Leaves room on the installing thread's stack for the filter after a stack
-// overflow.
-void prepareInstallingThread() {
-    ULONG guarantee = 64 * 1024;
-    ::SetThreadStackGuarantee(&guarantee);
-}
+// Windows runs the filter for a fault inside the filter as for any other.
+void admitNestedFaults() {}
 
 }  // namespace platform
 }  // namespace norvane_1

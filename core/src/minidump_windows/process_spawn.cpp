@@ -7,6 +7,7 @@
 #include "minidump_internal/platform.h"
 
 #include <process.h>
+#include <windows.h>
 
 namespace norvane_1 {
 namespace platform {
@@ -18,13 +19,20 @@ std::wstring quotedIfBlank(std::wstring const& argument) {
 
 }  // namespace
 
-int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& arguments) {
+int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& arguments, void (*started)()) {
     std::vector<std::wstring> texts{L"\"" + program + L"\""};
     for (auto const& argument : arguments) texts.push_back(quotedIfBlank(argument));
     std::vector<wchar_t const*> argv;
     for (auto const& text : texts) argv.push_back(text.c_str());
     argv.push_back(nullptr);
-    return static_cast<int>(::_wspawnv(_P_WAIT, program.c_str(), argv.data()));
+    intptr_t const process = ::_wspawnv(_P_NOWAIT, program.c_str(), argv.data());
+    if (process == -1) return -1;
+    if (started != nullptr) started();
+    HANDLE const handle = reinterpret_cast<HANDLE>(process);
+    DWORD exitCode = 0;
+    bool const ended = ::WaitForSingleObject(handle, INFINITE) == WAIT_OBJECT_0 && ::GetExitCodeProcess(handle, &exitCode);
+    ::CloseHandle(handle);
+    return ended ? static_cast<int>(exitCode) : -1;
 }
 
 }  // namespace platform
