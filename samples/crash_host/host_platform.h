@@ -34,6 +34,13 @@ std::size_t countThreads();
 // ignored on Linux). Windows has no such setting: nothing happens there.
 void ignoreChildProcessEnds();
 
+// Sees to it that the crash that follows is held up on its way to the
+// handler, as a lock left held by a crashed program holds it up. Linux: the
+// newest ".log" file of `directory` (the log directory), which the worker
+// reads for the report, becomes a FIFO nobody writes to. Windows: the
+// shutdown callback waits for a lock that another thread keeps.
+void holdUpTheNextCrash(std::string const& directory);
+
 // Sets a variable of this process's environment, which the programs it
 // starts inherit; null removes it.
 void setEnvironmentVariable(char const* name, char const* value);

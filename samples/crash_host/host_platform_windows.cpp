@@ -84,4 +84,28 @@ void ignoreChildProcessEnds() {}
 
 void setEnvironmentVariable(char const* name, char const* value) { ::SetEnvironmentVariableA(name, value); }
 
+// A thread takes a lock and keeps it; the host's shutdown callback, which
+// the crashed thread runs before the hand-over, waits for that lock. (The
+// heap's lock can't serve: the system's own exception dispatch waits for
+// it under Wine, before any filter runs.)
+void holdUpTheNextCrash(std::string const&) {
+    static HANDLE const held = ::CreateMutexW(nullptr, FALSE, nullptr);
+    HANDLE const taken = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    HANDLE const thread = ::CreateThread(
+        nullptr, 0,
+        [](LPVOID event) -> DWORD {
+            ::WaitForSingleObject(held, INFINITE);
+            ::SetEvent(static_cast<HANDLE>(event));
+            ::Sleep(INFINITE);
+            return 0;
+        },
+        taken, 0, nullptr);
+    if (thread == nullptr) std::abort();
+    ::WaitForSingleObject(taken, INFINITE);
+    norvane_1::setGFGSutdownCallback([] {
+        ::WaitForSingleObject(held, INFINITE);
+        return true;
+    });
+}
+
 }  // namespace crash_host

@@ -44,6 +44,20 @@
 //                          then access address 0
 //   terminate-product      install, then terminateProduct(): the feedback
 //                          tool ends the process
+//   illegal-instruction    execute an undefined instruction
+//   breakpoint             execute a breakpoint nothing handles
+//   stack-overflow         recurse until the main thread's stack is used up
+//   stack-overflow-thread  the same on a thread started after install
+//   stack-overflow-early-thread
+//                          the same on a thread started before install
+//   twenty-threads         20 threads access address 0 at the same moment
+//   sleeping-threads       100 threads sleep while 2 access address 0
+//   faulting-callback      a shutdown callback that accesses address 0
+//   exiting-callback       a shutdown callback that calls exit(0)
+//   held-up                a crash held up on its way to the handler (a
+//                          log file that never answers on Linux, a shutdown
+//                          callback waiting for a held lock on Windows);
+//                          needs NORVANE_LOG_DIR
 //   creation-log-writer    write CRASH_HOST_RECORDS creation-log records
 //                          marked with CRASH_HOST_WRITER, without installing
 //   none                   install, then exit normally
@@ -67,6 +81,7 @@
 #include "on_demand.h"
 #include "report_extras.h"
 #include "stack_faults.h"
+#include "zoo_faults.h"
 
 #include <norvane_1/norvane.h>
 
@@ -265,6 +280,21 @@ Kind const kKinds[] = {
      []() -> int { return runHandlerDirectly(crashOnGarbageStack); }, false},
     {"unreadable-stack", "handing an unmapped stack to runExceptionHandler",
      []() -> int { return runHandlerDirectly(crashOnUnreadableStack); }, false},
+    {"illegal-instruction", "executing an undefined instruction", []() -> int { fault(illegalInstruction); }, false},
+    {"breakpoint", "executing a breakpoint", []() -> int { fault(breakpoint); }, false},
+    {"stack-overflow", "overflowing the main thread's stack", []() -> int { overflowStack(); }, false},
+    {"stack-overflow-thread", "overflowing a new thread's stack", []() -> int { overflowStackOnNewThread(); },
+     false},
+    {"stack-overflow-early-thread", "overflowing the stack of a thread older than the install",
+     []() -> int { overflowStackOnEarlierThread(install); }, true},
+    {"twenty-threads", "accessing address 0 on 20 threads at once", []() -> int { faultOnTwentyThreads(); }, false},
+    {"sleeping-threads", "accessing address 0 on 2 threads beside 100 sleeping ones",
+     []() -> int { faultBesideSleepingThreads(); }, false},
+    {"faulting-callback", "accessing address 0 with a shutdown callback that does too",
+     []() -> int { faultWithFaultingCallback(); }, false},
+    {"exiting-callback", "accessing address 0 with a shutdown callback that exits",
+     []() -> int { faultWithExitingCallback(); }, false},
+    {"held-up", "accessing address 0 with the crash held up", []() -> int { faultWhenHeldUp(); }, false},
     {"creation-log-writer", "writing creation-log records", writeRecords, true},
     {"none", "exiting normally", []() -> int { return 0; }, false},
 };

@@ -28,7 +28,8 @@ struct ChildOptions {
     std::vector<std::string> arguments;  // each reaches the child as one argument
     // Changes to this process's environment; no value removes the variable.
     std::map<std::string, std::optional<std::string>> environment;
-    std::filesystem::path standardOutput;  // a file to write the child's output to; empty: ours
+    // A file for the child's standard output and error; empty: ours.
+    std::filesystem::path standardOutput;
 };
 
 struct ChildOutcome {

@@ -64,6 +64,7 @@ ChildProcess::ChildProcess(ChildOptions const& options) : m_platform(new Platfor
     if (!options.standardOutput.empty()) {
         ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, options.standardOutput.c_str(),
                                            O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        ::posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
     }
     int const error = ::posix_spawn(&m_platform->pid, argv[0], &actions, nullptr, argv.data(), envp.data());
     ::posix_spawn_file_actions_destroy(&actions);

@@ -107,7 +107,7 @@ ChildProcess::ChildProcess(ChildOptions const& options) : m_platform(new Platfor
         startup.dwFlags = STARTF_USESTDHANDLES;
         startup.hStdInput = ::GetStdHandle(STD_INPUT_HANDLE);
         startup.hStdOutput = output;
-        startup.hStdError = ::GetStdHandle(STD_ERROR_HANDLE);
+        startup.hStdError = output;
     }
     // Wine, under a load of hundreds of starts, now and then refuses one
     // with ERROR_INTERNAL_ERROR; a moment later it starts.
