@@ -135,6 +135,20 @@ bool writesAHeadInsideASection(ProblemReportStorage& report) {
     return false;
 }
 
+// Several sections may name one thread's stack ("Stack.1", "Stack.raw.0x1"):
+// each is read in the order of the names, and the last wins. An empty stack is
+// not written, so where the winner was empty, the next reading takes another
+// of them: the text can't hold such a report.
+template <typename StackMap>
+bool emptyStackLost(StackMap const& first, StackMap const& second) {
+    for (auto const& stack : first) {
+        if (!stack.second.empty()) continue;
+        auto const again = second.find(stack.first);
+        if (again != second.end() && !again->second.empty()) return true;
+    }
+    return false;
+}
+
 std::string checkRoundTrip(std::wstring text) {
     // A head needs a line end behind it, so "[Name]" as the text's last line,
     // with none, is read as a line of the section above; written, that line
@@ -170,7 +184,8 @@ std::string checkRoundTrip(std::wstring text) {
     }
     dropCarriageReturnsOfModules(second);
     std::wstring const rewritten = second.toString();
-    if (rewritten != written) {
+    if (rewritten != written && !emptyStackLost(first.getStackMap(), second.getStackMap()) &&
+        !emptyStackLost(first.getStackFramesMap(), second.getStackFramesMap())) {
         return "report round trip: the written report, read and written again, changed; " +
                firstDifference(written, rewritten);
     }
