@@ -24,8 +24,9 @@ Number parseHex(std::wstring const& text) {
     if (text.size() >= 2 && text[0] == L'0' && (text[1] == L'x' || text[1] == L'X')) i = 2;
     Number value = 0;
     for (; i < text.size(); ++i) {
-        // Indexed by the low 8 bits only, as the table has 256 entries.
-        auto const digit = kDigitValues[static_cast<std::uint32_t>(text[i]) & 0xFFu];
+        // A character beyond the table is no digit either: it counts as 0.
+        auto const c = static_cast<std::uint32_t>(text[i]);
+        auto const digit = c < kDigitValues.size() ? kDigitValues[c] : std::uint8_t{0};
         value = static_cast<Number>((value << 4) + digit);
     }
     return value;

@@ -50,7 +50,9 @@ std::wstring rawStackText(RawStack const& stack) {
 }
 
 std::wstring cleanStackText(CleanStack frames) {
-    std::sort(frames.begin(), frames.end(), [](StackFrame const& a, StackFrame const& b) {
+    // Stable, so that frames of one slot keep their order and a report read and
+    // written again gives the same text.
+    std::stable_sort(frames.begin(), frames.end(), [](StackFrame const& a, StackFrame const& b) {
         return a.stackAddress < b.stackAddress;
     });
     std::wstring text;
