@@ -22,7 +22,8 @@
 // at once: it ends the process the system's way, with no further report,
 // and no thread waits for itself; with one exception: a fault of the owner
 // inside the host's shutdown callback abandons the callback, and the steps
-// go on in the nested call, so the first crash is still reported. The same
+// go on in the nested call, so the first crash is still reported; an exit()
+// there carries the crash on from the exit's clean-up. The same
 // holds for a fault while the remove step tears the state down.
 //
 // The task service runs from step 5 to step 19: while the worker waits for
@@ -41,6 +42,9 @@
 //    [safe];
 //  - starts the task service: a thread, a socket or pipe, allocations [not
 //    safe];
+//  - lets a fault or an exit() of the callback back into the crash path:
+//    unblocks the crash signals on Linux [safe]; on Windows, once, enters
+//    itself in the run-time library's exit list [not safe: its lock];
 //  - calls the host's shutdown callback [whatever the host does];
 //  - logs through the logger and appends creation-log records: the
 //    logger's lock, allocations, opening and closing the creation log
@@ -222,7 +226,7 @@ long dumpMiniDumpFor(ExceptionData* data, std::uint32_t threadId) {
     // back here (the crash signals are let through meanwhile on Linux).
     HandlerState* state = HandlerState::get();
     stages().enterCallback();
-    platform::admitNestedFaults();
+    platform::admitCallbackFailures();
     state->useGFGCallback();
     stages().leaveCallback();
     NORVANE_LOG_INFO(log::platformLogger(), L"Shutdown GUI Freeze Guard Service...");

@@ -59,8 +59,10 @@ void endCrashBudget();
 
 // Crashed thread, before the shutdown callback: a fault of the callback must
 // reach the crash path again rather than end the process (on Linux the
-// crash signals are blocked inside their own handlers).
-void admitNestedFaults();
+// crash signals are blocked inside their own handlers), and so must an
+// exit() of the callback, while the worker still runs (on Windows the
+// library's own clean-up comes after the system has ended every thread).
+void admitCallbackFailures();
 
 // "\\" on Windows, "/" on Linux: what the library adds to a directory.
 wchar_t pathSeparator();

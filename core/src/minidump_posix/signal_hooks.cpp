@@ -73,8 +73,9 @@ void setLateFaultHooks() {
 }
 
 // A crash signal's handler runs with that signal blocked, and a fault of a
-// blocked signal ends the process on the spot.
-void admitNestedFaults() {
+// blocked signal ends the process on the spot. An exit() needs nothing: the
+// library's clean-up runs inside it, before any thread has ended.
+void admitCallbackFailures() {
     sigset_t crashSignals;
     sigemptyset(&crashSignals);
     for (int signalNumber : kCrashSignals) sigaddset(&crashSignals, signalNumber);

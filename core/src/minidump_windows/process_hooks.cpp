@@ -11,6 +11,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <csignal>
 
 namespace norvane_1 {
@@ -55,6 +56,14 @@ Function runtimeFunction(char const* name) {
     return runtime ? reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(runtime, name))) : nullptr;
 }
 
+using ExitListEntry = int(__cdecl*)();
+using RuntimeExitList = ExitListEntry(__cdecl*)(ExitListEntry);
+
+int __cdecl carryOnAtExit() {
+    carryOnCrashLeftByExit();
+    return 0;
+}
+
 void setPureCallHandler(PureCallHandler handler) {
     static auto const setter = runtimeFunction<PureCallHandlerSetter>("_set_purecall_handler");
     if (setter) setter(handler);
@@ -93,7 +102,19 @@ void setLateFaultHooks() {
 }
 
 // Windows runs the filter for a fault inside the filter as for any other.
-void admitNestedFaults() {}
+// An exit() is caught in the run-time library's own exit list, which exit()
+// runs before ExitProcess ends the worker; the library's static clean-up
+// would come too late. Registered only now, so an ordinary exit never sees
+// it; the library is pinned, as the list now points into it.
+void admitCallbackFailures() {
+    static std::atomic<bool> registered{false};
+    if (registered.exchange(true)) return;
+    static auto const onExit = runtimeFunction<RuntimeExitList>("_onexit");
+    HMODULE library = nullptr;
+    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                         reinterpret_cast<LPCWSTR>(&carryOnAtExit), &library);
+    if (onExit) onExit(carryOnAtExit);
+}
 
 }  // namespace platform
 }  // namespace norvane_1

@@ -1,0 +1,140 @@
+// The crash's stages under threads that arrive together: one owner, the rest
+// held until the crash is decided, and the remove step never tearing down
+// under a crash in progress.
+#include "minidump_internal/crash_stages.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using norvane_1::Arrival;
+using norvane_1::CrashStage;
+using norvane_1::CrashStages;
+
+class CrashStagesTest : public ::testing::Test {
+protected:
+    CrashStages stages;
+
+    void SetUp() override { ASSERT_EQ(stages.stage(), CrashStage::idle); }
+    // Whatever a test left, back to idle the way the library gets there.
+    void TearDown() override {
+        if (stages.stage() == CrashStage::removing) stages.endRemoval();
+        stages.leaveCallback();
+        stages.handedOver();
+        stages.decide(true);
+        stages.returnToIdleAfterPassedOn();
+        EXPECT_EQ(stages.stage(), CrashStage::idle);
+    }
+
+    // Runs `work(i)` on `count` threads released together.
+    template <typename Work>
+    static void together(int count, Work work) {
+        std::atomic<bool> go{false};
+        std::vector<std::thread> threads;
+        for (int i = 0; i < count; ++i) {
+            threads.emplace_back([&go, &work, i] {
+                while (!go.load()) std::this_thread::yield();
+                work(i);
+            });
+        }
+        go = true;
+        for (auto& thread : threads) thread.join();
+    }
+};
+
+TEST_F(CrashStagesTest, ThreadsFaultingTogetherHaveOneOwnerAndTheRestWaitForTheDecision) {
+    constexpr int kThreads = 16;
+    std::vector<Arrival> arrivals(kThreads);
+    together(kThreads, [&](int i) { arrivals[i] = stages.arrive(100 + i); });
+
+    int owners = 0;
+    for (Arrival arrival : arrivals) {
+        owners += arrival == Arrival::owner;
+        EXPECT_TRUE(arrival == Arrival::owner || arrival == Arrival::latecomer);
+    }
+    ASSERT_EQ(owners, 1);
+    std::uint32_t const owner = stages.owner();
+    EXPECT_EQ(stages.stage(), CrashStage::preparing);
+
+    // The latecomers sleep until the crash is passed on; the owner never waits.
+    std::atomic<int> released{0};
+    std::vector<std::thread> latecomers;
+    for (int i = 0; i < kThreads; ++i) {
+        if (100u + i == owner) continue;
+        latecomers.emplace_back([&, i] {
+            stages.holdUntilDecided(100 + i);
+            ++released;
+        });
+    }
+    stages.holdUntilDecided(owner);
+    stages.handedOver();
+    EXPECT_EQ(released.load(), 0);
+    stages.decide(true);
+    for (auto& thread : latecomers) thread.join();
+    EXPECT_EQ(released.load(), kThreads - 1);
+    EXPECT_FALSE(stages.inProgress());
+}
+
+TEST_F(CrashStagesTest, TheOwnerFaultingInTheCallbackGoesOnOnceAndAThirdFaultIsPassedOn) {
+    ASSERT_EQ(stages.arrive(7), Arrival::owner);
+    stages.enterCallback();
+    EXPECT_EQ(stages.arrive(8), Arrival::latecomer);
+    EXPECT_EQ(stages.arrive(7), Arrival::faultInCallback);
+    EXPECT_EQ(stages.stage(), CrashStage::preparing);
+    EXPECT_EQ(stages.arrive(7), Arrival::reentry);
+    EXPECT_EQ(stages.owner(), 7u);
+}
+
+TEST_F(CrashStagesTest, AfterAPassedOnCrashOnlyTheInstallStepStartsOver) {
+    ASSERT_EQ(stages.arrive(1), Arrival::owner);
+    stages.handedOver();
+    stages.decide(true);
+    EXPECT_EQ(stages.arrive(2), Arrival::latecomer);
+    stages.returnToIdleAfterPassedOn();
+    EXPECT_EQ(stages.arrive(2), Arrival::owner);
+}
+
+TEST_F(CrashStagesTest, TheRemoveStepFromInsideTheCrashIsRefusedAtOnce) {
+    ASSERT_EQ(stages.arrive(1), Arrival::owner);
+    EXPECT_EQ(stages.claimForRemoval(true, false), CrashStages::Removal::refused);
+    EXPECT_EQ(stages.claimForRemoval(false, true), CrashStages::Removal::nothingToWaitFor);
+}
+
+// A remove step and a fault at the same moment: either the remove step
+// claims first and the fault is passed on, or the fault claims first and
+// the remove step waits until the crash is decided.
+TEST_F(CrashStagesTest, ARemoveStepRacingAFaultNeverTearsDownUnderTheCrash) {
+    for (int round = 0; round < 40; ++round) {
+        Arrival arrival{};
+        CrashStages::Removal removal{};
+        together(2, [&](int i) {
+            if (i == 0) {
+                arrival = stages.arrive(42);
+                if (arrival == Arrival::owner) {
+                    stages.handedOver();
+                    stages.decide(true);
+                }
+            } else {
+                removal = stages.claimForRemoval(false, false);
+                if (removal == CrashStages::Removal::claimed) {
+                    EXPECT_EQ(stages.stage(), CrashStage::removing);
+                    stages.endRemoval();
+                }
+            }
+        });
+        if (arrival == Arrival::owner) {
+            EXPECT_NE(removal, CrashStages::Removal::refused);
+            stages.returnToIdleAfterPassedOn();
+        } else {
+            EXPECT_EQ(arrival, Arrival::duringRemoval);
+            EXPECT_EQ(removal, CrashStages::Removal::claimed);
+        }
+        ASSERT_EQ(stages.stage(), CrashStage::idle) << "round " << round;
+    }
+}
+
+}  // namespace
