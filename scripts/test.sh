@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
 # The whole test suite: native (Linux), native with AddressSanitizer and
-# UndefinedBehaviorSanitizer, then Windows (mingw-w64, run under Wine).
+# UndefinedBehaviorSanitizer, native with ThreadSanitizer (the hand-over
+# between threads and the crash tests), then Windows (mingw-w64, run under
+# Wine).
 #
 # Installs what a fresh Debian 12 machine lacks, builds the cross-compiled
-# dependencies once into ~/.cache/norvane, builds all three trees and runs
+# dependencies once into ~/.cache/norvane, builds all four trees and runs
 # every test in one ctest run, so the output ends with one summary line.
 #
 #   scripts/test.sh             everything
-#   scripts/test.sh linux       only the given build trees (linux, sanitize, windows)
+#   scripts/test.sh linux       only the given build trees (linux, sanitize, tsan, windows)
 set -euo pipefail
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
@@ -17,7 +19,7 @@ source scripts/lib/common.sh
 NORVANE_LOG_TAG=test
 
 presets=("$@")
-[[ ${#presets[@]} -gt 0 ]] || presets=(linux sanitize windows)
+[[ ${#presets[@]} -gt 0 ]] || presets=(linux sanitize tsan windows)
 
 scripts/setup/install-packages.sh
 for preset in "${presets[@]}"; do

@@ -14,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-#define CRASH_HOST_FAULT __attribute__((noinline, no_sanitize("address", "undefined")))
+#define CRASH_HOST_FAULT __attribute__((noinline, no_sanitize("address", "undefined", "thread")))
 
 namespace crash_host {
 namespace {

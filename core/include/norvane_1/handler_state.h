@@ -171,7 +171,7 @@ private:
     std::unique_ptr<boost::mutex> m_propertyMutex;
     AppProperties m_appProperties;
     bool m_initialized = false;
-    std::unique_ptr<boost::mutex> m_mutex;
+    std::unique_ptr<boost::mutex> m_mutex;  // the worker's start, and the report while the worker or the task service makes it
     std::unique_ptr<boost::mutex> m_workerMutex;
     std::unique_ptr<boost::unique_lock<boost::mutex>> m_lock;
     std::unique_ptr<boost::condition_variable_any> m_condition;

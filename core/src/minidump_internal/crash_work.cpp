@@ -9,6 +9,9 @@
 #include "logging/logging.h"
 #include "process_globals.h"
 
+#include <boost/thread/lock_guard.hpp>
+#include <boost/thread/mutex.hpp>
+
 #include <ios>
 
 namespace norvane_1 {
@@ -23,30 +26,39 @@ bool HandlerState::processSavedCrash(SavedCrash const& crash, char const* runLab
     NORVANE_LOG_INFO(logger, L"Worker thread took over...");
     addCreationLogRecord(runLabel, L"Worker thread took over...", nullptr);
 
-    m_dumpInfo.stackProcessId = crash.processId;
-    m_dumpInfo.crashedThreadId = crash.threadId;
-    m_dumpInfo.dumpMemory = 1;
-    m_dumpInfo.exception = crash.exception;
-    NORVANE_LOG_INFO(logger, L"Exception data: pid: " << crash.processId << L"; tid: " << crash.threadId
-                                 << L"; exception address: 0x" << std::hex << crash.exception.address
-                                 << L"; exception code: 0x" << crash.exception.code << std::dec
-                                 << L"; exception description: " << crash.exception.description
-                                 << L"; exception module: " << crash.exception.module);
+    // The report's data is shared with the task service's thread, which
+    // may collect the stack into it once the handler process asks: the
+    // state's mutex is held while it is made here, and the handler gets a
+    // copy of what it needs.
+    DumpInfo handed;
+    {
+        boost::lock_guard<boost::mutex> guard(getMutex());
+        m_dumpInfo.stackProcessId = crash.processId;
+        m_dumpInfo.crashedThreadId = crash.threadId;
+        m_dumpInfo.dumpMemory = 1;
+        m_dumpInfo.exception = crash.exception;
+        NORVANE_LOG_INFO(logger, L"Exception data: pid: " << crash.processId << L"; tid: " << crash.threadId
+                                     << L"; exception address: 0x" << std::hex << crash.exception.address
+                                     << L"; exception code: 0x" << crash.exception.code << std::dec
+                                     << L"; exception description: " << crash.exception.description
+                                     << L"; exception module: " << crash.exception.module);
 
-    std::wstring const directory = logDirectory();
-    m_dumpInfo.dumpPath = directory.empty() ? std::wstring() : directory + L"crash.dmp";
-    m_context = crash.registers;
+        std::wstring const directory = logDirectory();
+        m_dumpInfo.dumpPath = directory.empty() ? std::wstring() : directory + L"crash.dmp";
+        m_context = crash.registers;
 
-    if (m_collectMode == 1) {
-        NORVANE_LOG_INFO(logger, L"Performing in-proc stack collect...");
-        inProcessStackCollect(m_dumpInfo);
+        if (m_collectMode == 1) {
+            NORVANE_LOG_INFO(logger, L"Performing in-proc stack collect...");
+            inProcessStackCollect(m_dumpInfo);
+        }
+        NORVANE_LOG_INFO(logger, L"Exporting crash info...");
+        exportCrashInfo(m_dumpInfo);
+        if (m_collectMode == 1) m_dumpInfo.stackProcessId = 0;
+        handed = m_dumpInfo;
     }
-    NORVANE_LOG_INFO(logger, L"Exporting crash info...");
-    exportCrashInfo(m_dumpInfo);
-    if (m_collectMode == 1) m_dumpInfo.stackProcessId = 0;
 
     NORVANE_LOG_INFO(logger, L"Performing further out-of-proc handling...");
-    setExitCode(runCrashHandler(m_dumpInfo));
+    setExitCode(runCrashHandler(handed));
     NORVANE_LOG_INFO(logger, L"Worker thread finished");
     return true;
 }

@@ -65,11 +65,17 @@ bool HandlerState::init() {
 void HandlerState::operator()() {
     g_workerThreadId = platform::currentThreadId();
     for (;;) {
+        // The flags are read under the lock only: the crashed thread and the
+        // remove step set them from their own threads.
+        bool runNow = false;
+        bool exitNow = false;
         {
             boost::unique_lock<boost::mutex> lock(*m_workerMutex);
             while (!m_exitStatus && !m_runStatus) m_condition->wait(lock);
+            runNow = m_runStatus;
+            exitNow = m_exitStatus;
         }
-        if (m_runStatus) {
+        if (runNow) {
             initInfoPaths();
             run();
             {
@@ -78,7 +84,7 @@ void HandlerState::operator()() {
             }
             m_condition->notify_all();
         }
-        if (m_exitStatus) {
+        if (exitNow) {
             {
                 boost::unique_lock<boost::mutex> lock(*m_workerMutex);
                 m_exitStatus = false;

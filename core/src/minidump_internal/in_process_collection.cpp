@@ -17,6 +17,9 @@
 #include <gavrel2/path.h>
 #include <vantix_2_18/utf.h>
 
+#include <boost/thread/lock_guard.hpp>
+#include <boost/thread/mutex.hpp>
+
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -102,6 +105,8 @@ bool HandlerState::inProcessStackCollect(DumpInfo& info) {
 }
 
 void HandlerState::fallbackInProcess(DumpInfo& info) {
+    // The worker made the report under this mutex (crash_work.cpp).
+    boost::lock_guard<boost::mutex> guard(getMutex());
     // 1.-4. The report as the handler process left it.
     addCreationLogRecord(kFallbackLabel, L"Fallback to in-proc stack collect...", nullptr);
     std::wstring text = gavrel2::get_file_content(kUtf8, info.crashInfoPath, 0);

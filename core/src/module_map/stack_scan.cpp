@@ -22,15 +22,16 @@ constexpr std::uint64_t kGuardReach = 64 * 1024;
 std::uint64_t behind(MemoryRegion const& region) { return region.base + region.size; }
 
 // Another thread's stack holds the address sanitizer's poisoned zones, and a
-// word may point anywhere: these reads are meant, so they bypass its checks
-// (and memcpy, which it intercepts). The regions were found readable.
-__attribute__((no_sanitize("address"))) std::uint64_t wordAt(std::uint64_t address) {
+// word may point anywhere, into memory freed long ago or being written by
+// another thread: these reads are meant, so they bypass both sanitizers'
+// checks (and memcpy, which they intercept). The regions were found readable.
+__attribute__((no_sanitize("address", "thread"))) std::uint64_t wordAt(std::uint64_t address) {
     return *reinterpret_cast<std::uint64_t const volatile*>(address);
 }
 
 // Copies whole aligned words, which lie in the same pages as the bytes asked
 // for: the copy of a candidate's neighbourhood starts up to 7 bytes early.
-__attribute__((no_sanitize("address"))) void copyWords(std::uint64_t address, std::uint64_t* to, std::size_t words) {
+__attribute__((no_sanitize("address", "thread"))) void copyWords(std::uint64_t address, std::uint64_t* to, std::size_t words) {
     for (std::size_t i = 0; i < words; ++i) to[i] = wordAt(address + i * kSlot);
 }
 

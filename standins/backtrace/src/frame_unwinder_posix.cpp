@@ -48,9 +48,9 @@ Register registerField(unw_regnum_t number) {
 constexpr unw_regnum_t kRegisterCount = UNW_X86_64_RIP + 1;
 
 // The stack of another thread holds the address sanitizer's poisoned zones:
-// these reads are meant, so they bypass its checks (and memcpy, which it
-// intercepts). The snapshot said the memory is mapped readable.
-__attribute__((no_sanitize("address"))) void copyFrom(std::uint64_t address, void* buffer, std::size_t size) {
+// these reads are meant, so they bypass the sanitizers' checks (and memcpy,
+// which they intercept). The snapshot said the memory is mapped readable.
+__attribute__((no_sanitize("address", "thread"))) void copyFrom(std::uint64_t address, void* buffer, std::size_t size) {
     auto const* from = reinterpret_cast<unsigned char const volatile*>(address);
     auto* to = static_cast<unsigned char*>(buffer);
     for (std::size_t i = 0; i < size; ++i) to[i] = from[i];
