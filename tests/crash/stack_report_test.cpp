@@ -105,10 +105,30 @@ INSTANTIATE_TEST_SUITE_P(CrashHost, CollectionVariables,
                                          CollectionCase{"keepModuleMap", false, true, true, true},
                                          CollectionCase{"both", true, true, false, true}));
 
-// With no collect variable the handler finds no stack in the report and asks
-// the crashed process for it over the task service.
-TEST(CallbackStack, ADefaultCrashGetsItsStackThroughTheTaskService) {
+// With no collect variable the handler reads every thread's stack from
+// outside, the crashed thread's from the fault.
+TEST(OutsideStacks, ADefaultCrashGetsEveryThreadsStackFromOutside) {
     CrashRun run;
+    ASSERT_TRUE(crash_test::handledByLibrary(run.run("call-chain"))) << run.hostOutput();
+    norvane_1::ProblemReportStorage report = run.readReport();
+    auto const stack = report.getStackFramesMap().find(report.getCrashedTid());
+    ASSERT_NE(stack, report.getStackFramesMap().end()) << run.logFile("crash_info.txt");
+    ASSERT_GE(stack->second.size(), 5u);
+    EXPECT_EQ(stack->second[0].address, report.getException().address);
+    EXPECT_EQ(stack->second[0].kind, kExceptionFrame);
+    EXPECT_EQ(moduleOf(stack->second[1]), wide(std::string(crash_test::kHostProcessName)));
+    // The host's main thread and the library's own threads at the least.
+    EXPECT_GE(report.getStackFramesMap().size(), 3u);
+    EXPECT_TRUE(crash_test::recordsInOrder(crash_test::readLines(run.logDirectory() / "norvane_creation_log.txt"),
+                                           {"kelmur_feedback::collectCrashStacks : .* : Stacks of [0-9]+ threads "
+                                            "collected from outside"}));
+}
+
+// When the stacks can't be read from outside, the handler asks the crashed
+// process for its stack over the task service.
+TEST(OutsideStacks, WhenOutsideFailsTheCrashedProcessCollectsOverTheTaskService) {
+    CrashRun run;
+    run.set("KELMUR_FEEDBACK_NO_OUTSIDE_STACKS", std::string("1"));
     ASSERT_TRUE(crash_test::handledByLibrary(run.run("call-chain"))) << run.hostOutput();
     EXPECT_EQ(run.handlerArguments(), crash_test::fixedHandlerArguments(run.logDirectory(), run.hostPid()));
     norvane_1::ProblemReportStorage report = run.readReport();
@@ -118,10 +138,6 @@ TEST(CallbackStack, ADefaultCrashGetsItsStackThroughTheTaskService) {
     EXPECT_EQ(stack->second[0].kind, kExceptionFrame);
     EXPECT_EQ(moduleOf(stack->second[1]), wide(std::string(crash_test::kHostProcessName)));
 
-    // The service's own records in order; the client's, in the handler
-    // process, interleave with them. The service ends on the stop message,
-    // or, when the stop comes while it still finishes the handler's call,
-    // on m_stop alone.
     auto const log = crash_test::readLines(run.logDirectory() / "norvane_creation_log.txt");
     std::string const server = "norvane_1::ExecuteMinidumpTaskThread::operator\\(\\) : .* : ";
     EXPECT_TRUE(crash_test::recordsInOrder(
@@ -131,6 +147,9 @@ TEST(CallbackStack, ADefaultCrashGetsItsStackThroughTheTaskService) {
               server + "<fallbackInProc> executed", server + "Replied <PASS> to THE_PIPE_SC",
               server + "(Service TERMINATED|I FINISHED)!",
               "norvane_1::stopExecuteMinidumpTaskThread : .* : EMT Service stopped!"}));
+    EXPECT_TRUE(crash_test::recordsInOrder(
+        log, {"kelmur_feedback::collectCrashStacks : .* : Stacks from outside failed .*, asking the crashed process",
+              "norvane_1::HandlerState::fallbackInProcess : .* : Fallback to in-proc stack collect..."}));
     EXPECT_TRUE(crash_test::recordsInOrder(
         log, {"norvane_1::executeMinidumpTaskInternal : .* : waiting for the task to complete...",
               "norvane_1::executeMinidumpTaskInternal : .* : Sent TERMINATE command, quit NOW!"}));

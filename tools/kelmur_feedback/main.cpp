@@ -5,8 +5,9 @@
 // After a crash (-handle-crash ...) its exit code decides how the crash ends
 // (6: "not our exception", the crash goes on to the system's own handling).
 // It reads the report named by -crash-info-file, and, when the library left
-// the stack to it (-minidump-stack with a process id) and the report lacks
-// it, has the crashed process collect it over the task service. Then it
+// the stacks to it (-minidump-stack with a process id), reads every thread's
+// from outside (crash_stacks.h), or, failing that, has the crashed process
+// collect its own over the task service. Then it
 // completes the report with the host's custom sections, writes it back,
 // prints a summary and exits with 0.
 //
@@ -17,12 +18,15 @@
 //   KELMUR_FEEDBACK_RECORD=<file>     first of all, write the arguments and
 //                                     the start time there (invocation_record.h)
 //   KELMUR_FEEDBACK_EXIT_CODE=<n>     exit with n once the work is done
+//   KELMUR_FEEDBACK_NO_OUTSIDE_STACKS=1  after a crash, act as if the stacks
+//                                     could not be read from outside
 //   KELMUR_FEEDBACK_KEEP_REPORT=1     leave crash_info.txt as the library wrote
 //                                     it (for timing the library's export)
 //   KELMUR_FEEDBACK_OUTBOX=<dir>      keep reports that could not be sent
 //                                     there, not beside the program
 //                                     (report_sending.h)
 #include "command_line.h"
+#include "crash_stacks.h"
 #include "invocation_record.h"
 #include "on_demand_report.h"
 #include "process_text.h"
@@ -63,7 +67,7 @@ void recordInvocation(std::vector<std::string> const& arguments, std::int64_t st
 
 int handleCrash(kelmur_feedback::CrashCommand const& command) {
     auto report = kelmur_feedback::readReportText(command.crashInfoFile);
-    report = kelmur_feedback::collectMissingStack(command, report);
+    report = kelmur_feedback::collectCrashStacks(command, report);
     if (kelmur_feedback::environmentValue("KELMUR_FEEDBACK_KEEP_REPORT").empty()) {
         report = kelmur_feedback::completeReport(command.crashInfoFile, report);
     }

@@ -1,6 +1,6 @@
 #include "on_demand_report.h"
 
-#include "outside_stacks.h"
+#include "outside_report.h"
 #include "report_completion.h"
 #include "report_summary.h"
 
@@ -29,29 +29,6 @@ std::uint32_t processOfFileName(std::string const& path) {
     return pid <= 0xFFFFFFFFull ? static_cast<std::uint32_t>(pid) : 0;
 }
 
-void addModules(norvane_1::ProblemReportStorage& report, std::uint32_t processId) {
-    norvane_1::MinidumpModuleMap* map = norvane_1::minidumpAllocModuleMap();
-    if (map != nullptr && norvane_1::loadModuleMap(map, processId)) {
-        for (std::uint32_t i = 0; i < map->count; ++i) report.addModuleInfo(&map->ranges[i], true);
-    }
-    norvane_1::minidumpFreeModuleMap(map);
-}
-
-// Each thread's registers and stack, its frames named after their modules.
-// What could not be had is said, and the report goes on without it.
-void addStacks(norvane_1::ProblemReportStorage& report, std::uint32_t processId) {
-    OutsideStacks stacks = collectThreadStacks(processId);
-    if (!stacks.error.empty()) std::cerr << "kelmur-feedback: stacks of process " << processId << ": " << stacks.error << '\n';
-    for (ThreadStack& thread : stacks.threads) {
-        for (norvane_1::StackFrame& frame : thread.frames) {
-            norvane_1::ModuleInfo module;
-            if (report.findModule(frame.address, module)) frame.module = module.FullName;
-        }
-        report.addContext(thread.registers, thread.threadId);
-        report.addStack(thread.frames, thread.threadId);
-    }
-}
-
 }  // namespace
 
 int completeOnDemandReport(CollectCommand const& command) {
@@ -67,9 +44,12 @@ int completeOnDemandReport(CollectCommand const& command) {
     } catch (boost::bad_lexical_cast const&) {
         return fail("the report at " + command.crashInfoFile + " is damaged");
     }
-    addModules(report, processId);
+    addOutsideModules(report, processId);
     report.updateProductInfo();
-    if (command.dumpStack != 0) addStacks(report, processId);
+    if (command.dumpStack != 0) {
+        std::string const error = addOutsideStacks(report, processId).error;
+        if (!error.empty()) std::cerr << "kelmur-feedback: stacks of process " << processId << ": " << error << '\n';
+    }
     report.updateModuleMap();
     std::wstring const directory = directoryOf(command.crashInfoFile);
     report.appendCustomSections(directory.empty() ? nullptr : directory.c_str());

@@ -10,6 +10,7 @@
 #include <norvane_1/report_records.h>
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -26,7 +27,12 @@ struct OutsideStacks {
     std::string error;  // why threads are missing; empty when none is
 };
 
-// Threads that end meanwhile are left out.
-OutsideStacks collectThreadStacks(std::uint32_t processId);
+// Threads to walk from given registers rather than from where they stand:
+// the crashed thread, parked inside the library, is walked from its fault.
+using StartingPoints = std::map<std::uint32_t, norvane_1::Context>;
+
+// Threads that end meanwhile are left out. A thread of `startAt` has the
+// given registers as its own in the result.
+OutsideStacks collectThreadStacks(std::uint32_t processId, StartingPoints const& startAt = {});
 
 }  // namespace kelmur_feedback

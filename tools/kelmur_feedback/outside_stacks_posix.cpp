@@ -90,10 +90,57 @@ norvane_1::Context contextOf(user_regs_struct const& regs) {
     return context;
 }
 
-norvane_1::CleanStack unwind(unw_addr_space_t space, pid_t thread) {
+// The registers a walk starts from, when not the thread's own. The tool
+// runs one walk at a time, so one pointer serves.
+norvane_1::Context const* g_startingRegisters = nullptr;
+
+std::uint64_t const* registerOf(norvane_1::Context const& context, unw_regnum_t number) {
+    switch (number) {
+        case UNW_X86_64_RAX: return &context.EAX;
+        case UNW_X86_64_RDX: return &context.EDX;
+        case UNW_X86_64_RCX: return &context.ECX;
+        case UNW_X86_64_RBX: return &context.EBX;
+        case UNW_X86_64_RSI: return &context.ESI;
+        case UNW_X86_64_RDI: return &context.EDI;
+        case UNW_X86_64_RBP: return &context.EBP;
+        case UNW_X86_64_RSP: return &context.ESP;
+        case UNW_X86_64_R8: return &context.R8;
+        case UNW_X86_64_R9: return &context.R9;
+        case UNW_X86_64_R10: return &context.R10;
+        case UNW_X86_64_R11: return &context.R11;
+        case UNW_X86_64_R12: return &context.R12;
+        case UNW_X86_64_R13: return &context.R13;
+        case UNW_X86_64_R14: return &context.R14;
+        case UNW_X86_64_R15: return &context.R15;
+        case UNW_X86_64_RIP: return &context.EIP;
+        default: return nullptr;
+    }
+}
+
+// Registers come from the starting point when there is one (libunwind asks
+// for the first frame's, and for any register no frame has saved), from the
+// stopped thread otherwise; memory always from the thread.
+int accessRegister(unw_addr_space_t space, unw_regnum_t number, unw_word_t* value, int write, void* access) {
+    if (g_startingRegisters != nullptr && !write) {
+        if (std::uint64_t const* known = registerOf(*g_startingRegisters, number)) {
+            *value = *known;
+            return 0;
+        }
+    }
+    return _UPT_access_reg(space, number, value, write, access);
+}
+
+unw_accessors_t accessorsStartingFromGivenRegisters() {
+    unw_accessors_t accessors = _UPT_accessors;
+    accessors.access_reg = accessRegister;
+    return accessors;
+}
+
+norvane_1::CleanStack unwind(unw_addr_space_t space, pid_t thread, norvane_1::Context const* start) {
     norvane_1::CleanStack frames;
     void* access = _UPT_create(thread);
     if (access == nullptr) return frames;
+    g_startingRegisters = start;
     unw_cursor_t cursor;
     if (unw_init_remote(&cursor, space, access) == 0) {
         for (int depth = 0; depth < kMostFrames; ++depth) {
@@ -109,15 +156,17 @@ norvane_1::CleanStack unwind(unw_addr_space_t space, pid_t thread) {
             if (unw_step(&cursor) <= 0) break;
         }
     }
+    g_startingRegisters = nullptr;
     _UPT_destroy(access);
     return frames;
 }
 
 }  // namespace
 
-OutsideStacks collectThreadStacks(std::uint32_t processId) {
+OutsideStacks collectThreadStacks(std::uint32_t processId, StartingPoints const& startAt) {
     OutsideStacks result;
-    unw_addr_space_t const space = unw_create_addr_space(&_UPT_accessors, 0);
+    unw_accessors_t accessors = accessorsStartingFromGivenRegisters();
+    unw_addr_space_t const space = unw_create_addr_space(&accessors, 0);
     if (space == nullptr) {
         result.error = "the unwinder could not be set up";
         return result;
@@ -133,7 +182,10 @@ OutsideStacks collectThreadStacks(std::uint32_t processId) {
             }
             continue;
         }
-        result.threads.push_back({thread, contextOf(regs), unwind(space, static_cast<pid_t>(thread))});
+        auto const given = startAt.find(thread);
+        norvane_1::Context const* start = given == startAt.end() ? nullptr : &given->second;
+        result.threads.push_back(
+            {thread, start ? *start : contextOf(regs), unwind(space, static_cast<pid_t>(thread), start)});
     }
     unw_destroy_addr_space(space);
     return result;

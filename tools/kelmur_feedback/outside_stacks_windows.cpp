@@ -82,6 +82,19 @@ norvane_1::Context contextOf(CONTEXT const& c) {
     return context;
 }
 
+// The walker needs a full context; only the integer registers and the
+// instruction pointer of a starting point are known, and all it uses.
+CONTEXT contextFrom(norvane_1::Context const& c) {
+    CONTEXT context{};
+    context.ContextFlags = CONTEXT_FULL;
+    context.Rax = c.EAX, context.Rbx = c.EBX, context.Rcx = c.ECX, context.Rdx = c.EDX;
+    context.Rsi = c.ESI, context.Rdi = c.EDI, context.Rbp = c.EBP, context.Rsp = c.ESP;
+    context.Rip = c.EIP;
+    context.R8 = c.R8, context.R9 = c.R9, context.R10 = c.R10, context.R11 = c.R11;
+    context.R12 = c.R12, context.R13 = c.R13, context.R14 = c.R14, context.R15 = c.R15;
+    return context;
+}
+
 norvane_1::CleanStack walk(HANDLE process, HANDLE thread, CONTEXT context) {
     norvane_1::CleanStack frames;
     STACKFRAME64 frame{};
@@ -108,7 +121,7 @@ norvane_1::CleanStack walk(HANDLE process, HANDLE thread, CONTEXT context) {
 
 }  // namespace
 
-OutsideStacks collectThreadStacks(std::uint32_t processId) {
+OutsideStacks collectThreadStacks(std::uint32_t processId, StartingPoints const& startAt) {
     OutsideStacks result;
     ScopedHandle const process(::OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId));
     if (!process.valid()) {
@@ -130,6 +143,8 @@ OutsideStacks collectThreadStacks(std::uint32_t processId) {
             result.error = "thread " + std::to_string(id) + ": no context (error " + std::to_string(::GetLastError()) + ")";
             continue;
         }
+        auto const given = startAt.find(id);
+        if (given != startAt.end()) context = contextFrom(given->second);
         result.threads.push_back({id, contextOf(context), walk(process.get(), thread.get(), context)});
     }
     return result;

@@ -62,6 +62,8 @@ ActualExceptionHandler::~ActualExceptionHandler() {
 
 int ActualExceptionHandler::handleCrash(DumpInfo const& info) {
     if (m_path.empty()) return -1;
+    // The handler reads the stacks of this process from outside.
+    platform::InspectionGrant const handlerMayInspect(platform::currentProcessId());
     return spawnHandler(m_path, handlerArguments(info));
 }
 
