@@ -26,10 +26,12 @@ endif()
 # bounds what it could cost. Nor are threads left unjoined reported: a crash
 # ends the process while its worker and service threads are finished but
 # unjoined, on purpose, as nothing may be waited for at that point.
+set(NORVANE_SANITIZER_VARIABLES "")
 set(NORVANE_SANITIZER_ENVIRONMENT "")
 if(CMAKE_CXX_FLAGS MATCHES "sanitize=thread")
-    set(NORVANE_SANITIZER_ENVIRONMENT ENVIRONMENT
+    set(NORVANE_SANITIZER_VARIABLES
         "TSAN_OPTIONS=halt_on_error=1 report_signal_unsafe=0 report_thread_leaks=0 handle_segv=0 handle_sigbus=0 handle_sigill=0 handle_sigfpe=0 handle_abort=0")
+    set(NORVANE_SANITIZER_ENVIRONMENT ENVIRONMENT "${NORVANE_SANITIZER_VARIABLES}")
 endif()
 
 # norvane_add_unit_test(<name> <source>... [PROPERTIES <property> <value>...])

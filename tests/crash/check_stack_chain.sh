@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Crashes the sample host at the end of a known chain of calls, collecting
-# the stack in-process, and checks the report's clean stack against the
-# program's own symbols: each frame's address, taken back to its file, is
+# the stack in-process (or, with CHAIN_COLLECT=outside, letting the handler
+# read it from outside), and checks the crashed thread's clean stack against
+# the program's own symbols: each frame's address, taken back to its file, is
 # named by binutils' addr2line. Runs on the build host; for a Windows build
 # the host runs under the emulator.
 #
@@ -41,18 +42,21 @@ fail() {
     exit 1
 }
 
+collect=(NORVANEMINIDUMP1_INPROCESS_COLLECT=1 KELMUR_FEEDBACK_KEEP_REPORT=1)
+[[ ${CHAIN_COLLECT:-} == outside ]] && collect=(-u NORVANEMINIDUMP1_INPROCESS_COLLECT)
 status=0
 env -u NORVANE_CRASH_HANDLER -u NORVANE_DISABLE_EXCEPTION_HANDLER -u NORVANEMINIDUMP1_OUTOFPROCESS_COLLECT \
     -u NORVANE1_COLLECT_RAW_STACK -u NORVANE1_KEEP_MODULEMAP -u KELMUR_FEEDBACK_EXIT_CODE \
-    NORVANEMINIDUMP1_INPROCESS_COLLECT=1 KELMUR_FEEDBACK_KEEP_REPORT=1 NORVANE_LOG_DIR="$log_dir_argument" \
+    "${collect[@]}" NORVANE_LOG_DIR="$log_dir_argument" \
     $emulator "$host" "$kind" >"$work/host output.txt" 2>&1 || status=$?
 [[ $status -eq 3 ]] || fail "the host ended with $status, not with 3: $(cat "$work/host output.txt")"
 
-# "frame<TAB>kind<TAB>address<TAB>module" for the first clean stack, and
-# "module<TAB>base<TAB>full name" for each module section.
-tr -d '\r' <"$log_dir/crash_info.txt" | awk '
-    /^\[/ { if (full != "") print "module\t" base "\t" full; full = ""; section = $0; stacks += (section ~ /^\[Stack\.clean\./); next }
-    section ~ /^\[Stack\.clean\./ && stacks == 1 && NF > 0 {
+# "frame<TAB>kind<TAB>address<TAB>module" for the crashed thread's clean
+# stack, and "module<TAB>base<TAB>full name" for each module section.
+crashed=$(tr -d '\r' <"$log_dir/crash_info.txt" | sed -n 's/^CrashedTID: *//p' | head -1)
+tr -d '\r' <"$log_dir/crash_info.txt" | awk -v crashed="$(printf '[Stack.clean.0x%08x]' "$crashed")" '
+    /^\[/ { if (full != "") print "module\t" base "\t" full; full = ""; section = $0; next }
+    tolower(section) == tolower(crashed) && NF > 0 {
         n = split($0, column, / \| /)
         if (n >= 3) print "frame\t" column[1] "\t" column[3] "\t" (n >= 4 ? column[4] : "")
     }

@@ -7,7 +7,8 @@
 // It reads the report named by -crash-info-file, and, when the library left
 // the stacks to it (-minidump-stack with a process id), reads every thread's
 // from outside (crash_stacks.h), or, failing that, has the crashed process
-// collect its own over the task service. Then it
+// collect its own over the task service. On Windows it writes the crash's
+// minidump (crash_dump.h). Then it
 // completes the report with the host's custom sections, writes it back,
 // prints a summary and exits with 0.
 //
@@ -26,6 +27,7 @@
 //                                     there, not beside the program
 //                                     (report_sending.h)
 #include "command_line.h"
+#include "crash_dump.h"
 #include "crash_stacks.h"
 #include "invocation_record.h"
 #include "on_demand_report.h"
@@ -68,6 +70,10 @@ void recordInvocation(std::vector<std::string> const& arguments, std::int64_t st
 int handleCrash(kelmur_feedback::CrashCommand const& command) {
     auto report = kelmur_feedback::readReportText(command.crashInfoFile);
     report = kelmur_feedback::collectCrashStacks(command, report);
+    if (report) {
+        std::string const why = kelmur_feedback::writeDumpOfReport(*report, command.dumpMemory);
+        if (!why.empty()) std::cerr << "kelmur-feedback: no dump of the crash: " << why << '\n';
+    }
     if (kelmur_feedback::environmentValue("KELMUR_FEEDBACK_KEEP_REPORT").empty()) {
         report = kelmur_feedback::completeReport(command.crashInfoFile, report);
     }

@@ -3,6 +3,8 @@
 // the process's memory. Windows code only.
 #include "outside_stacks.h"
 
+#include "windows_context.h"
+
 #include <windows.h>
 #include <dbghelp.h>
 #include <tlhelp32.h>
@@ -72,29 +74,6 @@ std::vector<DWORD> threadsOf(DWORD processId) {
     return threads;
 }
 
-norvane_1::Context contextOf(CONTEXT const& c) {
-    norvane_1::Context context;
-    context.EAX = c.Rax, context.EBX = c.Rbx, context.ECX = c.Rcx, context.EDX = c.Rdx;
-    context.ESI = c.Rsi, context.EDI = c.Rdi, context.EBP = c.Rbp, context.ESP = c.Rsp;
-    context.EIP = c.Rip;
-    context.R8 = c.R8, context.R9 = c.R9, context.R10 = c.R10, context.R11 = c.R11;
-    context.R12 = c.R12, context.R13 = c.R13, context.R14 = c.R14, context.R15 = c.R15;
-    return context;
-}
-
-// The walker needs a full context; only the integer registers and the
-// instruction pointer of a starting point are known, and all it uses.
-CONTEXT contextFrom(norvane_1::Context const& c) {
-    CONTEXT context{};
-    context.ContextFlags = CONTEXT_FULL;
-    context.Rax = c.EAX, context.Rbx = c.EBX, context.Rcx = c.ECX, context.Rdx = c.EDX;
-    context.Rsi = c.ESI, context.Rdi = c.EDI, context.Rbp = c.EBP, context.Rsp = c.ESP;
-    context.Rip = c.EIP;
-    context.R8 = c.R8, context.R9 = c.R9, context.R10 = c.R10, context.R11 = c.R11;
-    context.R12 = c.R12, context.R13 = c.R13, context.R14 = c.R14, context.R15 = c.R15;
-    return context;
-}
-
 norvane_1::CleanStack walk(HANDLE process, HANDLE thread, CONTEXT context) {
     norvane_1::CleanStack frames;
     STACKFRAME64 frame{};
@@ -144,7 +123,7 @@ OutsideStacks collectThreadStacks(std::uint32_t processId, StartingPoints const&
             continue;
         }
         auto const given = startAt.find(id);
-        if (given != startAt.end()) context = contextFrom(given->second);
+        if (given != startAt.end()) context = systemContextOf(given->second);
         result.threads.push_back({id, contextOf(context), walk(process.get(), thread.get(), context)});
     }
     return result;
