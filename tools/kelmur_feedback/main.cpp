@@ -12,6 +12,7 @@
 //
 // On demand it completes the report of a live process (on_demand_report.h),
 // sends a report (report_sending.h), or ends a process (-mercy-kill=<pid>).
+// For people and scripts it gives a report as JSON (json_export.h).
 //
 // Test hooks, from the environment:
 //   KELMUR_FEEDBACK_RECORD=<file>     first of all, write the arguments and
@@ -24,6 +25,7 @@
 //                                     (report_sending.h)
 #include "command_line.h"
 #include "invocation_record.h"
+#include "json_export.h"
 #include "on_demand_report.h"
 #include "process_text.h"
 #include "report_completion.h"
@@ -88,6 +90,9 @@ struct CommandRunner {
     }
     int operator()(kelmur_feedback::SendCommand const& command) const { return kelmur_feedback::sendReport(command); }
     int operator()(kelmur_feedback::MercyKillCommand const& command) const { return mercyKill(command); }
+    int operator()(kelmur_feedback::ExportJsonCommand const& command) const {
+        return kelmur_feedback::exportJson(command);
+    }
 };
 
 }  // namespace
