@@ -23,6 +23,11 @@ std::string jsonText(Json const& json) {
     return json.dump(kIndent, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
+bool sameFile(std::string const& first, std::string const& second) {
+    std::error_code error;
+    return std::filesystem::equivalent(std::filesystem::u8path(first), std::filesystem::u8path(second), error);
+}
+
 }  // namespace
 
 int exportJson(ExportJsonCommand const& command) {
@@ -40,6 +45,9 @@ int exportJson(ExportJsonCommand const& command) {
     if (command.jsonFile.empty()) {
         std::cout << json << std::flush;
         return std::cout ? 0 : fail("the JSON could not be written to standard output");
+    }
+    if (sameFile(command.reportFile, command.jsonFile)) {
+        return fail("the JSON would overwrite the report " + command.reportFile);
     }
     std::ofstream out(std::filesystem::u8path(command.jsonFile), std::ios::binary | std::ios::trunc);
     if (!out.write(json.data(), static_cast<std::streamsize>(json.size())) || !out.flush()) {

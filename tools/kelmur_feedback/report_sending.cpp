@@ -162,7 +162,9 @@ int sendReport(SendCommand const& command) {
     SendSettings const settings = readSendSettings();
     Outbox outbox(settings.outbox);
     if (settings.url.empty()) return keepInOutbox(outbox, command, *report, "no KELMUR_FEEDBACK_SEND_URL to send to");
-    if (report->size() > settings.maxBytes) return keepInOutbox(outbox, command, *report, tooLarge(report->size(), settings));
+    if (report->size() > settings.maxBytes) {
+        return keepInOutbox(outbox, command, *report, tooLarge(report->size(), settings));
+    }
     std::string const product = productOf(*report);
     if (auto const reason = heldBack(outbox, product, settings, secondsSinceEpoch())) {
         return keepInOutbox(outbox, command, *report, *reason);
