@@ -18,15 +18,20 @@ std::wstring problemSectionOf(ProblemReportStorage const& report) {
     return report.isException() ? L"Exception" : L"ProcessDump";
 }
 
-// The report's sections in text order; each is taken by the first member
-// it fits, and what no member takes goes under "sections".
+// The report's sections in text order, as the library reads them: each is
+// taken by the first member it fits, and what no member takes goes under
+// "sections".
 class ReportSections {
 public:
     explicit ReportSections(ProblemReportStorage& report) {
-        for (auto const& name : sectionNames(report, report.toString())) {
-            m_sections.push_back({name, report.getSection(name), false});
+        m_read.fromString(report.toString());
+        for (auto const& name : sectionNames(m_read, m_read.toString())) {
+            m_sections.push_back({name, m_read.getSection(name), false});
         }
     }
+
+    // The decision of toString() for the report as read.
+    std::wstring problemSection() const { return problemSectionOf(m_read); }
 
     std::optional<std::wstring> find(std::wstring const& name) const {
         for (auto const& section : m_sections) {
@@ -52,6 +57,7 @@ private:
         std::wstring body;
         bool taken;
     };
+    ProblemReportStorage m_read;
     std::vector<Section> m_sections;
 };
 
@@ -124,7 +130,7 @@ void addLogs(Json& json, ReportSections& sections) {
 
 void addOtherSections(Json& json, ReportSections const& sections) {
     sections.forEachLeft([&json](std::wstring const& name, std::wstring const& body) {
-        json["sections"][toUtf8(name)] = bodyToJson(body, {}, Fit::exact);
+        json["sections"][toUtf8(name)] = bodyToJson(body);
     });
 }
 
@@ -151,7 +157,7 @@ std::vector<std::wstring> sectionNames(ProblemReportStorage& report, std::wstrin
 Json reportToJson(ProblemReportStorage& report) {
     ReportSections sections(report);
     Json json = Json::object();
-    addProblem(json, sections, problemSectionOf(report));
+    addProblem(json, sections, sections.problemSection());
     addKeySections(json, sections);
     addModules(json, sections);
     addThreadSections(json, sections);

@@ -11,7 +11,7 @@
 //                  {"thread": 6632, "kind": "raw", "slots": [{"stackSlot": "0x…",
 //                   "returnAddress": "0x…"}, …]}],
 //     "logs":     {"premortal": ["first line", …], "creation": […]},
-//     "sections": {"Device Info": {"GPU": "…"}, "Notes": "free text\n", …}
+//     "sections": {"Device Info": {"GPU": "…"}, "Notes": "free text", …}
 //   }
 //
 // Key lines become objects under the report's own key names; escaped text
@@ -22,10 +22,11 @@
 // as key lines where they fit and as text where not. Members without a
 // section in the report are left out.
 //
-// Round trip: reportFromJson(reportToJson(r)).toString() == r.toString()
-// for a report the library wrote, and the file's text for a report read
-// from a file the library wrote. (The reader drops the line feed that
-// closes a section; the JSON puts it back where the library writes one.)
+// The JSON holds the report as the library reads it: the text of
+// reportFromJson(reportToJson(r)) is the text of r read and written again,
+// which for a report read from a file is r.toString() itself. Only line
+// feeds around a section's text, which the library's reader drops, can
+// differ from the text a report was made with in code.
 #pragma once
 
 #include "report_json_sections.h"

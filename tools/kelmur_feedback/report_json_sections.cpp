@@ -42,8 +42,14 @@ std::vector<std::wstring> linesOf(std::wstring body) {
     return lines;
 }
 
-bool writesBack(std::wstring const& body, std::wstring const& written, Fit fit = Fit::lastLineFeedOptional) {
-    return written == body || (fit == Fit::lastLineFeedOptional && written == body + L"\n");
+bool writesBack(std::wstring const& body, std::wstring const& written) {
+    return written == body || written + L"\n" == body;
+}
+
+// Lines are written each with its line feed; the body ends without one.
+std::wstring withoutLastLineFeed(std::wstring text) {
+    if (!text.empty() && text.back() == L'\n') text.pop_back();
+    return text;
 }
 
 // Splits at the first `count` dividers; fewer parts where there are fewer.
@@ -96,7 +102,7 @@ Json const& array(Json const& value, char const* what) {
 std::string toUtf8(std::wstring const& text) { return VANTIX_2_18::utf::to_utf8(text); }
 std::wstring fromUtf8(std::string const& text) { return VANTIX_2_18::utf::from_utf8(text); }
 
-std::optional<Json> keyLinesToJson(std::wstring const& body, KeyForms const& forms, Fit fit) {
+std::optional<Json> keyLinesToJson(std::wstring const& body, KeyForms const& forms) {
     Json object = Json::object();
     for (auto const& line : linesOf(body)) {
         auto const parts = split(line, kKeyDivider, 1);
@@ -105,7 +111,7 @@ std::optional<Json> keyLinesToJson(std::wstring const& body, KeyForms const& for
         if (object.contains(key)) return std::nullopt;
         object[key] = valueToJson(parts[0], parts[1], forms);
     }
-    if (object.empty() || !writesBack(body, keyLinesFromJson(object, forms), fit)) return std::nullopt;
+    if (object.empty() || !writesBack(body, keyLinesFromJson(object, forms))) return std::nullopt;
     return object;
 }
 
@@ -119,11 +125,11 @@ std::wstring keyLinesFromJson(Json const& object, KeyForms const& forms) {
         text += valueFromJson(key, item.value(), forms);
         text += L'\n';
     }
-    return text;
+    return withoutLastLineFeed(text);
 }
 
-Json bodyToJson(std::wstring const& body, KeyForms const& forms, Fit fit) {
-    std::optional<Json> keys = keyLinesToJson(body, forms, fit);
+Json bodyToJson(std::wstring const& body, KeyForms const& forms) {
+    std::optional<Json> keys = keyLinesToJson(body, forms);
     return keys ? std::move(*keys) : Json(toUtf8(body));
 }
 
@@ -146,7 +152,7 @@ std::wstring linesFromJson(Json const& lines) {
         text += fromUtf8(line.get<std::string>());
         text += L'\n';
     }
-    return text;
+    return withoutLastLineFeed(text);
 }
 
 std::optional<Json> cleanStackToJson(std::wstring const& body) {
@@ -182,7 +188,7 @@ std::wstring cleanStackFromJson(Json const& frames) {
         }
         text += L'\n';
     }
-    return text;
+    return withoutLastLineFeed(text);
 }
 
 std::optional<Json> rawStackToJson(std::wstring const& body) {
@@ -204,7 +210,7 @@ std::wstring rawStackFromJson(Json const& slots) {
         text += fromUtf8(stringMember(slot, "returnAddress"));
         text += L'\n';
     }
-    return text;
+    return withoutLastLineFeed(text);
 }
 
 }  // namespace kelmur_feedback

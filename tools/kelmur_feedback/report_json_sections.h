@@ -2,10 +2,10 @@
 //
 // Each reader gives nothing when its JSON would not write the body back as
 // it was; the caller then keeps that body as a string, so that nothing of a
-// report is lost on its way through JSON. The writers end every line with a
-// line feed, as the library's writers do. The library reads a body without
-// that last line feed, so for the sections it writes itself a body with or
-// without it is the same body.
+// report is lost on its way through JSON. Bodies are as the library reads
+// them, without line ends around them; a body it makes anew from its records
+// ends in a line feed, which counts for nothing, since such a body is made
+// anew from the report read back as well.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -36,18 +36,13 @@ struct KeyForms {
     std::vector<std::wstring> decimal;
 };
 
-// How a body must match what its JSON writes back: sections of the host's
-// own (custom sections) keep their ends exactly.
-enum class Fit { lastLineFeedOptional, exact };
-
 // "Key: value" lines as an object, in line order.
-std::optional<Json> keyLinesToJson(std::wstring const& body, KeyForms const& forms = {},
-                                   Fit fit = Fit::lastLineFeedOptional);
+std::optional<Json> keyLinesToJson(std::wstring const& body, KeyForms const& forms = {});
 std::wstring keyLinesFromJson(Json const& object, KeyForms const& forms = {});
 
 // Any body: its key lines as an object where they give the body back, else
 // the body as a string.
-Json bodyToJson(std::wstring const& body, KeyForms const& forms = {}, Fit fit = Fit::lastLineFeedOptional);
+Json bodyToJson(std::wstring const& body, KeyForms const& forms = {});
 std::wstring bodyFromJson(Json const& value, KeyForms const& forms = {});
 
 // A log: an array of its lines.
