@@ -52,17 +52,17 @@ std::wstring withoutLastLineFeed(std::wstring text) {
     return text;
 }
 
-// Splits at the first `count` dividers; fewer parts where there are fewer.
+// Splits at the first `count` dividers, or at as many as there are.
 std::vector<std::wstring> split(std::wstring const& line, std::wstring_view divider, std::size_t count) {
-    std::vector<std::wstring> parts;
+    std::vector<std::wstring> pieces;
     std::wstring::size_type start = 0;
-    for (auto at = line.find(divider); at != std::wstring::npos && parts.size() < count;
+    for (auto at = line.find(divider); at != std::wstring::npos && pieces.size() < count;
          at = line.find(divider, start)) {
-        parts.push_back(line.substr(start, at - start));
+        pieces.push_back(line.substr(start, at - start));
         start = at + divider.size();
     }
-    parts.push_back(line.substr(start));
-    return parts;
+    pieces.push_back(line.substr(start));
+    return pieces;
 }
 
 bool isCanonicalDecimal(std::wstring const& text) {
@@ -105,11 +105,11 @@ std::wstring fromUtf8(std::string const& text) { return VANTIX_2_18::utf::from_u
 std::optional<Json> keyLinesToJson(std::wstring const& body, KeyForms const& forms) {
     Json object = Json::object();
     for (auto const& line : linesOf(body)) {
-        auto const parts = split(line, kKeyDivider, 1);
-        if (parts.size() != 2) return std::nullopt;
-        std::string const key = toUtf8(parts[0]);
+        auto const pieces = split(line, kKeyDivider, 1);
+        if (pieces.size() != 2) return std::nullopt;
+        std::string const key = toUtf8(pieces[0]);
         if (object.contains(key)) return std::nullopt;
-        object[key] = valueToJson(parts[0], parts[1], forms);
+        object[key] = valueToJson(pieces[0], pieces[1], forms);
     }
     if (object.empty() || !writesBack(body, keyLinesFromJson(object, forms))) return std::nullopt;
     return object;
@@ -194,9 +194,9 @@ std::wstring cleanStackFromJson(Json const& frames) {
 std::optional<Json> rawStackToJson(std::wstring const& body) {
     Json slots = Json::array();
     for (auto const& line : linesOf(body)) {
-        auto const parts = split(line, kKeyDivider, 1);
-        if (parts.size() != 2) return std::nullopt;
-        slots.push_back({{"stackSlot", toUtf8(parts[0])}, {"returnAddress", toUtf8(parts[1])}});
+        auto const pieces = split(line, kKeyDivider, 1);
+        if (pieces.size() != 2) return std::nullopt;
+        slots.push_back({{"stackSlot", toUtf8(pieces[0])}, {"returnAddress", toUtf8(pieces[1])}});
     }
     if (slots.empty() || !writesBack(body, rawStackFromJson(slots))) return std::nullopt;
     return slots;

@@ -50,17 +50,13 @@ std::int64_t secondsSinceEpoch() {
         .count();
 }
 
-// "2026-11-23T18:31:26Z"
+// "2026-11-23T18:31:26Z". std::gmtime's shared result is safe here: only
+// the main thread asks for times.
 std::string utcTime(std::int64_t secondsSinceEpoch) {
     std::time_t const time = static_cast<std::time_t>(secondsSinceEpoch);
-    std::tm parts{};
-#ifdef _WIN32
-    gmtime_s(&parts, &time);
-#else
-    gmtime_r(&time, &parts);
-#endif
-    char text[32];
-    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
+    std::tm const* fields = std::gmtime(&time);
+    char text[32] = "an unknown time";
+    if (fields) std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", fields);
     return text;
 }
 
