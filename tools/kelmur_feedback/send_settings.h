@@ -12,7 +12,7 @@
 // its product, and of a product that seldom fails that may be long in
 // coming. A product that can fail often (a freeze guard that fires again
 // and again) sets one. The size cap keeps one huge report (a log gone wild)
-// from tying up the endpoint; real reports are a few hundred KiB.
+// from tying up the endpoint; a report is seldom more than a MiB or two.
 #pragma once
 
 #include <chrono>
