@@ -58,6 +58,8 @@ INSTANTIATE_TEST_SUITE_P(
                     BadInputCase{"collectOfNoProcess", collectLine("report-1-x.txt", kNoSuchPid), 1},
                     BadInputCase{"collectWithoutAProcess", collectLine("r.txt", ""), 1},
                     BadInputCase{"collectOfAMissingReport", collectLine(missingReportOfThisProcess(), ""), 1},
-                    BadInputCase{"mercyKillOfNoProcess", {std::string("-mercy-kill=") + kNoSuchPid}, 1}));
+                    BadInputCase{"mercyKillOfNoProcess", {std::string("-mercy-kill=") + kNoSuchPid}, 1},
+                    BadInputCase{"exportOfAMissingReport", {"-export-json", missingReportOfThisProcess()}, 1},
+                    BadInputCase{"exportWithoutAReport", {"-export-json"}, 2}));
 
 }  // namespace

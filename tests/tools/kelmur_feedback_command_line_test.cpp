@@ -97,6 +97,17 @@ TEST(KelmurFeedbackCommandLine, OnDemandLinesAreRead) {
     EXPECT_EQ(std::get<kelmur_feedback::MercyKillCommand>(*parsed.command).processId, 4120u);
 }
 
+TEST(KelmurFeedbackCommandLine, ExportLinesAreRead) {
+    auto parsed = parseCommandLine({"-export-json", "/tmp/crash info.txt"});
+    ASSERT_TRUE(parsed.command) << parsed.error;
+    EXPECT_EQ(std::get<kelmur_feedback::ExportJsonCommand>(*parsed.command).reportFile, "/tmp/crash info.txt");
+    EXPECT_EQ(std::get<kelmur_feedback::ExportJsonCommand>(*parsed.command).jsonFile, "");
+
+    parsed = parseCommandLine({"-export-json", "r.txt", "r.json"});
+    ASSERT_TRUE(parsed.command) << parsed.error;
+    EXPECT_EQ(std::get<kelmur_feedback::ExportJsonCommand>(*parsed.command).jsonFile, "r.json");
+}
+
 struct RefusedCase {
     char const* name;
     Arguments arguments;
@@ -163,6 +174,9 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"sendWithoutTitle", {"-send-crash-report", "r.txt"}, "expected -send-crash-report"},
         RefusedCase{"sendWithExtra", {"-send-crash-report", "r", "-send-crash-report", "t", "x"}, "unexpected"},
         RefusedCase{"mercyKillOfZero", {"-mercy-kill=0"}, "other than 0"},
-        RefusedCase{"mercyKillApart", {"-mercy-kill", "12"}, "expected -mercy-kill=<number>"}));
+        RefusedCase{"mercyKillApart", {"-mercy-kill", "12"}, "expected -mercy-kill=<number>"},
+        RefusedCase{"exportWithoutReport", {"-export-json"}, "expected a report file"},
+        RefusedCase{"exportIntoAnOption", {"-export-json", "r.txt", "-o"}, "not an option"},
+        RefusedCase{"exportWithExtra", {"-export-json", "r.txt", "r.json", "x"}, "unexpected argument 4"}));
 
 }  // namespace

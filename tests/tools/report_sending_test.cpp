@@ -1,6 +1,7 @@
 // Sending a report: the tool started as a child against a server on the
 // loopback address that answers, fails, or never answers; what arrived and
-// what stayed behind is checked from outside.
+// what stayed behind is checked from outside. Then sends one after another
+// under the size cap and the interval per product.
 #include "child_process.h"
 #include "loopback_http_server.h"
 
@@ -11,6 +12,7 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <set>
 
 namespace {
 
@@ -90,5 +92,101 @@ INSTANTIATE_TEST_SUITE_P(
                     SendingCase{"noEndpoint", std::nullopt, true, false, 1, 0, true},
                     SendingCase{"noEndpointAgain", std::nullopt, true, true, 1, 0, true},
                     SendingCase{"noReport", LoopbackHttpServer::Answer::ok, false, false, 1, 0, false}));
+
+// One run of the tool in a sequence; "report" names the file
+// "report-<report>.txt" of the product "product".
+struct Send {
+    char const* report;
+    char const* product;
+    char const* intervalS;  // KELMUR_FEEDBACK_SEND_INTERVAL_S; null: unset
+    char const* maxBytes;   // KELMUR_FEEDBACK_SEND_MAX_BYTES; null: unset
+    int exitCode;
+    std::vector<std::string> arrived;  // the reports the server got in this run, in order
+    char const* says;                  // in the tool's output; null: anything
+};
+
+struct PacingCase {
+    char const* name;
+    std::vector<Send> sends;
+    std::set<std::string> leftInOutbox;
+};
+
+void PrintTo(PacingCase const& test, std::ostream* out) { *out << test.name; }
+
+class PacedSending : public testing::TestWithParam<PacingCase> {};
+
+std::string reportText(Send const& send) {
+    return std::string("[ProcessDump]\nDescription: report&nbsp;") + send.report + "\nProduct: " + send.product +
+           "; 1\n\n[Products]\nPackage Contents: " + send.product + "\n\n";
+}
+
+std::set<std::string> reportsIn(fs::path const& folder) {
+    std::set<std::string> reports;
+    for (auto const& entry : fs::directory_iterator(folder)) {
+        std::string const name = entry.path().filename().u8string();
+        if (name.rfind("report-", 0) == 0) reports.insert(name.substr(7, name.size() - 11));
+    }
+    return reports;
+}
+
+TEST_P(PacedSending, KeepsWhatMayNotGoAndSendsItWithTheNext) {
+    PacingCase const& test = GetParam();
+    fs::path const scratch = fs::temp_directory_path() / ("kelmur-pacing-" + std::string(test.name));
+    fs::remove_all(scratch);
+    fs::create_directories(scratch / "outbox");
+    LoopbackHttpServer server(LoopbackHttpServer::Answer::ok);
+    std::size_t seen = 0;
+    for (Send const& send : test.sends) {
+        fs::path const report = scratch / ("report-" + std::string(send.report) + ".txt");
+        std::ofstream(report, std::ios::binary) << reportText(send);
+        norvane_test::ChildOptions options;
+        options.program = norvane_test::programBesideThisOne("kelmur-feedback");
+        options.arguments = {"-send-crash-report", report.u8string(), "-send-crash-report", "title"};
+        auto setting = [](char const* value) { return value ? std::optional<std::string>(value) : std::nullopt; };
+        options.environment = {{"KELMUR_FEEDBACK_SEND_URL", server.url()},
+                               {"KELMUR_FEEDBACK_SEND_INTERVAL_S", setting(send.intervalS)},
+                               {"KELMUR_FEEDBACK_SEND_MAX_BYTES", setting(send.maxBytes)},
+                               {"KELMUR_FEEDBACK_OUTBOX", (scratch / "outbox").u8string()},
+                               {"KELMUR_FEEDBACK_RECORD", std::nullopt}};
+        options.standardOutput = scratch / "output.txt";
+        auto const outcome = norvane_test::ChildProcess(options).wait(std::chrono::seconds(60));
+        ASSERT_TRUE(outcome.finished && outcome.exited) << send.report;
+        EXPECT_EQ(outcome.exitCode, static_cast<std::uint32_t>(send.exitCode)) << send.report;
+        std::string const output = fileText(scratch / "output.txt");
+        if (send.says) {
+            EXPECT_NE(output.find(send.says), std::string::npos) << output;
+        }
+
+        auto const requests = server.requests();
+        std::vector<std::string> arrived;
+        for (; seen < requests.size(); ++seen) {
+            std::string const name = requests[seen].headers.at("x-report-name");
+            arrived.push_back(name.substr(7, name.size() - 11));
+        }
+        EXPECT_EQ(arrived, send.arrived) << send.report << ": " << output;
+    }
+    EXPECT_EQ(reportsIn(scratch / "outbox"), test.leftInOutbox);
+    fs::remove_all(scratch);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    KelmurFeedback, PacedSending,
+    testing::Values(
+        PacingCase{"tooLarge", {{"a", "App", nullptr, "20", 1, {}, "more than the 20"}}, {"a"}},
+        PacingCase{"badValuesFallBack",
+                   {{"a", "App", "soon", "-1", 0, {"a"}, "KELMUR_FEEDBACK_SEND_INTERVAL_S is 'soon'"}},
+                   {}},
+        // An interval of 0 stands for the time having passed.
+        PacingCase{"heldBackThenSentOldestFirst",
+                   {{"a", "App", "3600", nullptr, 0, {"a"}, nullptr},
+                    {"b", "App", "3600", nullptr, 1, {}, "the next may go from"},
+                    {"c", "App", "3600", nullptr, 1, {}, nullptr},
+                    {"d", "App", "0", nullptr, 0, {"d", "b", "c"}, nullptr}},
+                   {}},
+        PacingCase{"productsApart",
+                   {{"a", "App", "3600", nullptr, 0, {"a"}, nullptr},
+                    {"b", "App", "3600", nullptr, 1, {}, nullptr},
+                    {"c", "Other App", "3600", nullptr, 0, {"c"}, nullptr}},
+                   {"b"}}));
 
 }  // namespace

@@ -68,6 +68,15 @@ public:
         return decimalValue(option, m_arguments[m_next++].substr(prefix.size()), value);
     }
 
+    // The next argument as a file name; one that looks like an option is
+    // refused rather than taken for a name.
+    bool fileName(char const* what, std::string& value) {
+        if (atEnd()) return fail(std::string("expected ") + what + " as " + describeNext());
+        if (nextStartsWith("-")) return fail(std::string("expected ") + what + ", not an option, as " + describeNext());
+        value = m_arguments[m_next++];
+        return true;
+    }
+
     bool nextStartsWith(char const* prefix) const {
         return !atEnd() && m_arguments[m_next].rfind(prefix, 0) == 0;
     }
@@ -136,6 +145,11 @@ bool readMercyKillCommand(Cursor& cursor, MercyKillCommand& command) {
     return true;
 }
 
+bool readExportJsonCommand(Cursor& cursor, ExportJsonCommand& command) {
+    return cursor.flag("-export-json") && cursor.fileName("a report file", command.reportFile) &&
+           (cursor.atEnd() || cursor.fileName("a JSON file", command.jsonFile));
+}
+
 bool atEndOrFail(Cursor& cursor) { return cursor.atEnd() || cursor.fail("unexpected " + cursor.describeNext()); }
 
 // The first argument tells the command lines apart.
@@ -154,6 +168,7 @@ ParseResult parseCommandLine(std::vector<std::string> const& arguments) {
     if (first == "-report-system-info") return parseAs<CollectCommand>(arguments, readCollectCommand);
     if (first == "-send-crash-report") return parseAs<SendCommand>(arguments, readSendCommand);
     if (first.rfind("-mercy-kill", 0) == 0) return parseAs<MercyKillCommand>(arguments, readMercyKillCommand);
+    if (first == "-export-json") return parseAs<ExportJsonCommand>(arguments, readExportJsonCommand);
     return parseAs<CrashCommand>(arguments, [](Cursor& cursor, CrashCommand& command) {
         return readFixedPart(cursor, command) && readRelayedPart(cursor, command);
     });
@@ -169,7 +184,9 @@ std::string usageText() {
            "         -crash-info-file <file> [-dump-stack=<pid>] -dump-memory=0\n"
            "       kelmur-feedback -send-crash-report <file> -send-crash-report <title>\n"
            "       kelmur-feedback -mercy-kill=<pid>\n"
-           "The crash-handling library starts this program; numbers are decimal.\n";
+           "       kelmur-feedback -export-json <report-file> [<json-file>]\n"
+           "The crash-handling library starts this program; numbers are decimal. -export-json\n"
+           "prints a report as JSON, or writes it to <json-file>.\n";
 }
 
 }  // namespace kelmur_feedback

@@ -21,6 +21,10 @@
 //
 // The library writes each in exactly this order, so anything else is not a
 // call from the library and is refused rather than guessed at.
+//
+// For people and scripts, a report as JSON (ExportJsonCommand), on standard
+// output or into a file:
+//   -export-json <report file> [<json file>]
 #pragma once
 
 #include <cstdint>
@@ -61,7 +65,12 @@ struct MercyKillCommand {
     std::uint32_t processId = 0;
 };
 
-using Command = std::variant<CrashCommand, CollectCommand, SendCommand, MercyKillCommand>;
+struct ExportJsonCommand {
+    std::string reportFile;
+    std::string jsonFile;  // empty: standard output
+};
+
+using Command = std::variant<CrashCommand, CollectCommand, SendCommand, MercyKillCommand, ExportJsonCommand>;
 
 struct ParseResult {
     std::optional<Command> command;

@@ -14,6 +14,7 @@
 //
 // On demand it completes the report of a live process (on_demand_report.h),
 // sends a report (report_sending.h), or ends a process (-mercy-kill=<pid>).
+// For people and scripts it gives a report as JSON (json_export.h).
 //
 // Test hooks, from the environment:
 //   KELMUR_FEEDBACK_RECORD=<file>     first of all, write the arguments and
@@ -30,6 +31,7 @@
 #include "crash_dump.h"
 #include "crash_stacks.h"
 #include "invocation_record.h"
+#include "json_export.h"
 #include "on_demand_report.h"
 #include "process_text.h"
 #include "report_completion.h"
@@ -98,6 +100,9 @@ struct CommandRunner {
     }
     int operator()(kelmur_feedback::SendCommand const& command) const { return kelmur_feedback::sendReport(command); }
     int operator()(kelmur_feedback::MercyKillCommand const& command) const { return mercyKill(command); }
+    int operator()(kelmur_feedback::ExportJsonCommand const& command) const {
+        return kelmur_feedback::exportJson(command);
+    }
 };
 
 }  // namespace
