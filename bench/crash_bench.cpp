@@ -7,13 +7,16 @@
 //   fault -> handler started   the host's fault to the start of the
 //                              handler's main() (its "started-us" record)
 //
-// Both ways crash "crash_host call-chain", three calls deep:
-//  - in collect mode 1 (NORVANEMINIDUMP1_INPROCESS_COLLECT): the report the
-//    library writes is complete, with the clean stack and the modules it
-//    passes through; the handler leaves it alone;
-//  - as configured by default: the reference handler finds no stack in the
-//    report, asks the crashed process for it over the task service, and
-//    completes the report; the time is the fault to that final write.
+// The ways:
+//  - "crash_host call-chain", three calls deep, in collect mode 1
+//    (NORVANEMINIDUMP1_INPROCESS_COLLECT): the report the library writes is
+//    complete, with the clean stack and the modules it passes through; the
+//    handler leaves it alone;
+//  - the same as configured by default: the reference handler reads every
+//    thread's stack from outside and completes the report; the time is the
+//    fault to that final write;
+//  - the same with "crash_host fifty-threads": 50 threads asleep beside the
+//    faulting one, each stack read from outside.
 //
 // Usage: crash_bench [runs]   (default 15)
 //
@@ -41,6 +44,7 @@ namespace fs = std::filesystem;
 constexpr int kDefaultRuns = 15;
 constexpr double kCompleteReportTargetMs = 2.5;  // native Release medians
 constexpr double kCallbackReportTargetMs = 15.0;
+constexpr double kManyThreadsReportTargetMs = 50.0;
 constexpr std::chrono::seconds kHostTimeLimit{60};
 
 struct Sample {
@@ -58,20 +62,23 @@ std::optional<std::int64_t> recordedMicroseconds(fs::path const& file, std::stri
 }
 
 struct Way {
+    char const* kind;
     bool inProcess;
     char const* description;
     double targetMs;
 };
 
 Way const kWays[] = {
-    {true, "collect mode 1: the library's complete report", kCompleteReportTargetMs},
-    {false, "default mode: the final report, through the handler's callback", kCallbackReportTargetMs},
+    {"call-chain", true, "collect mode 1: the library's complete report", kCompleteReportTargetMs},
+    {"call-chain", false, "default mode: the final report, stacks read from outside", kCallbackReportTargetMs},
+    {"fifty-threads", false, "default mode, 51 threads: every thread's stack from outside",
+     kManyThreadsReportTargetMs},
 };
 
 norvane_test::ChildOptions hostOptions(fs::path const& directory, Way const& way) {
     norvane_test::ChildOptions options;
     options.program = norvane_test::programBesideThisOne("crash_host");
-    options.arguments = {"call-chain"};
+    options.arguments = {way.kind};
     options.standardOutput = directory / "output.txt";
     options.environment = {
         {"NORVANE_LOG_DIR", (directory / "log").u8string()},
@@ -122,7 +129,8 @@ bool measure(Way const& way, int runs, fs::path const& scratch) {
     std::vector<double> reportTimes;
     std::vector<double> handlerTimes;
     for (int run = 0; run < runs; ++run) {
-        if (auto const sample = runOnce(scratch / (std::to_string(way.inProcess) + "-" + std::to_string(run)), way)) {
+        fs::path const directory = scratch / (std::string(way.kind) + "-" + std::to_string(way.inProcess) + "-" + std::to_string(run));
+        if (auto const sample = runOnce(directory, way)) {
             reportTimes.push_back(sample->reportMs);
             handlerTimes.push_back(sample->handlerMs);
         }
@@ -150,7 +158,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     fs::path const scratch = scratchDirectory();
-    std::printf("crash_bench: crash_host call-chain, %d runs each way; milliseconds\n", runs);
+    std::printf("crash_bench: crash_host, %d runs each way; milliseconds\n", runs);
     std::printf("  %-26s %8s %8s %8s\n", "", "median", "min", "max");
     bool complete = true;
     for (Way const& way : kWays) complete = measure(way, runs, scratch) && complete;

@@ -52,6 +52,7 @@
 //                          the same on a thread started before install
 //   twenty-threads         20 threads access address 0 at the same moment
 //   sleeping-threads       100 threads sleep while 2 access address 0
+//   fifty-threads          50 threads sleep while another accesses address 0
 //   faulting-callback      a shutdown callback that accesses address 0
 //   exiting-callback       a shutdown callback that calls exit(0)
 //   held-up                a crash held up on its way to the handler (a
@@ -290,6 +291,8 @@ Kind const kKinds[] = {
     {"twenty-threads", "accessing address 0 on 20 threads at once", []() -> int { faultOnTwentyThreads(); }, false},
     {"sleeping-threads", "accessing address 0 on 2 threads beside 100 sleeping ones",
      []() -> int { faultBesideSleepingThreads(); }, false},
+    {"fifty-threads", "accessing address 0 beside 50 sleeping threads", []() -> int { faultBesideFiftyThreads(); },
+     false},
     {"faulting-callback", "accessing address 0 with a shutdown callback that does too",
      []() -> int { faultWithFaultingCallback(); }, false},
     {"exiting-callback", "accessing address 0 with a shutdown callback that exits",

@@ -110,6 +110,8 @@ void faultOnTwentyThreads() { faultTogether(20, 0); }
 
 void faultBesideSleepingThreads() { faultTogether(2, 100); }
 
+void faultBesideFiftyThreads() { faultTogether(1, 50); }
+
 void faultWithFaultingCallback() {
     norvane_1::setGFGSutdownCallback([]() -> bool { accessViolation(); });
     stampFault();

@@ -19,6 +19,8 @@ namespace crash_host {
 [[noreturn]] void faultOnTwentyThreads();
 // 100 threads sleep; 2 others access address 0 at the same moment.
 [[noreturn]] void faultBesideSleepingThreads();
+// One thread accesses address 0 while 50 sleep: a process of many stacks.
+[[noreturn]] void faultBesideFiftyThreads();
 // A shutdown callback that accesses address 0, or that calls exit(0), then
 // a fault.
 [[noreturn]] void faultWithFaultingCallback();
