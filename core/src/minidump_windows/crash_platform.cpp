@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <atomic>
+
 namespace norvane_1 {
 namespace platform {
 
@@ -15,8 +17,23 @@ void saveExceptionData(HandlerState& state, ExceptionData const* data, std::uint
     windowsState.setCrashedThreadId(threadId);
 }
 
-void suppressFaultDialogs() { ::SetErrorMode(SEM_NOGPFAULTERRORBOX); }
-void restoreFaultDialogs() { ::SetErrorMode(0); }
+// The host's own error mode is kept, with the fault dialog off on top, and
+// is what comes back: a host that set SEM_FAILCRITICALERRORS keeps it.
+namespace {
+std::atomic<UINT> g_hostErrorMode{0};
+std::atomic<bool> g_errorModeChanged{false};
+}  // namespace
+
+void suppressFaultDialogs() {
+    UINT const hostMode = ::GetErrorMode();
+    g_hostErrorMode = hostMode;
+    g_errorModeChanged = true;
+    ::SetErrorMode(hostMode | SEM_NOGPFAULTERRORBOX);
+}
+
+void restoreFaultDialogs() {
+    if (g_errorModeChanged.exchange(false)) ::SetErrorMode(g_hostErrorMode);
+}
 
 void endCrashedProcess() { ::TerminateProcess(::GetCurrentProcess(), 3); }
 

@@ -88,7 +88,7 @@ void setProcessHooks() {
 
 void resetProcessHooks() {
     ::SetUnhandledExceptionFilter(nullptr);
-    ::SetErrorMode(0);
+    restoreFaultDialogs();
     std::signal(SIGABRT, SIG_DFL);
     setPureCallHandler(nullptr);
 }
