@@ -106,6 +106,10 @@ TEST(KelmurFeedbackCommandLine, ExportLinesAreRead) {
     parsed = parseCommandLine({"-export-json", "r.txt", "r.json"});
     ASSERT_TRUE(parsed.command) << parsed.error;
     EXPECT_EQ(std::get<kelmur_feedback::ExportJsonCommand>(*parsed.command).jsonFile, "r.json");
+
+    parsed = parseCommandLine({"-show-report", "/tmp/crash info.txt"});
+    ASSERT_TRUE(parsed.command) << parsed.error;
+    EXPECT_EQ(std::get<kelmur_feedback::ShowReportCommand>(*parsed.command).reportFile, "/tmp/crash info.txt");
 }
 
 struct RefusedCase {
@@ -177,6 +181,8 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"mercyKillApart", {"-mercy-kill", "12"}, "expected -mercy-kill=<number>"},
         RefusedCase{"exportWithoutReport", {"-export-json"}, "expected a report file"},
         RefusedCase{"exportIntoAnOption", {"-export-json", "r.txt", "-o"}, "not an option"},
-        RefusedCase{"exportWithExtra", {"-export-json", "r.txt", "r.json", "x"}, "unexpected argument 4"}));
+        RefusedCase{"exportWithExtra", {"-export-json", "r.txt", "r.json", "x"}, "unexpected argument 4"},
+        RefusedCase{"showWithoutReport", {"-show-report"}, "expected a report file"},
+        RefusedCase{"showWithExtra", {"-show-report", "r.txt", "x"}, "unexpected argument 3"}));
 
 }  // namespace

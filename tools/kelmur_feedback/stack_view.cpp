@@ -1,0 +1,127 @@
+#include "stack_view.h"
+
+#include <vantix_2_18/utf.h>
+
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+#include <cxxabi.h>
+#include <memory>
+
+namespace kelmur_feedback {
+namespace {
+
+using VANTIX_2_18::utf::to_utf8;
+
+constexpr std::uint32_t kExceptionFrame = 4;
+constexpr std::size_t kModuleColumn = 16;
+
+std::string hex(std::uint64_t value, int digits) {
+    char text[32];
+    std::snprintf(text, sizeof text, "0x%0*" PRIx64, digits, value);
+    return text;
+}
+
+// Symbol tables hold C++ names mangled, and dynamic ones carry a version
+// ("@@GLIBC_2.34"); a person wants the name as written.
+std::string readableName(std::string name) {
+    name = name.substr(0, name.find('@'));
+    if (name.rfind("_Z", 0) != 0) return name;
+    int status = 0;
+    std::unique_ptr<char, decltype(&std::free)> plain(abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &status),
+                                                      &std::free);
+    return status == 0 && plain ? plain.get() : name;
+}
+
+// The bytes as the module file holds them: a GUID keeps its first three
+// fields little-endian.
+std::string guidBytes(norvane_1::Guid const& guid) {
+    std::string text;
+    auto const add = [&text](std::uint64_t value, int bytes) {
+        for (int i = 0; i < bytes; ++i) text += hex((value >> (8 * i)) & 0xff, 2).substr(2);
+    };
+    add(guid.Data1, 4);
+    add(guid.Data2, 2);
+    add(guid.Data3, 2);
+    for (std::uint8_t byte : guid.Data4) add(byte, 1);
+    return text;
+}
+
+std::string guidText(norvane_1::Guid const& guid) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x", guid.Data1, guid.Data2,
+                  guid.Data3, guid.Data4[0], guid.Data4[1], guid.Data4[2], guid.Data4[3], guid.Data4[4],
+                  guid.Data4[5], guid.Data4[6], guid.Data4[7]);
+    return text;
+}
+
+// What finds the module's symbols elsewhere. An ELF file's report GUID is
+// the start of its GNU build id, enough to pick its debug file out; a PE
+// file's is its debug record's GUID, which goes with the age.
+std::string debugIdentity(norvane_1::ModuleInfo const& module) {
+    std::string const bytes = guidBytes(module.Guid);
+    if (bytes.find_first_not_of('0') == std::string::npos) return "no debug identity";
+    if (!module.FullName.empty() && module.FullName.front() == L'/') return "build id " + bytes;
+    return "guid " + guidText(module.Guid) + " age " + std::to_string(module.Age);
+}
+
+struct FrameText {
+    std::string module;
+    std::string where;  // function and line, or module offset and identity
+};
+
+FrameText describeFrame(norvane_1::StackFrame const& frame, norvane_1::ProblemReportStorage& report,
+                        Symbolizer& symbolizer) {
+    // A return address lies behind its call, perhaps already in the next
+    // line or function; one byte back is the call itself.
+    std::uint64_t const lookup = frame.kind == kExceptionFrame || frame.address == 0 ? frame.address
+                                                                                     : frame.address - 1;
+    norvane_1::ModuleInfo module;
+    if (!report.findModule(lookup, module)) {
+        return {frame.module.empty() ? "??" : to_utf8(frame.module), "(no module of the report)"};
+    }
+    std::string const name = frame.module.empty() ? fileNameOf(module.FullName) : to_utf8(frame.module);
+    SourcePlace const place = symbolizer.lookUp(module.FullName, module.Base, lookup);
+    std::string const offset = name + "+" + hex(frame.address - module.Base, 1);
+    if (place.function.empty()) return {name, offset + " (" + debugIdentity(module) + ")"};
+    std::string where = readableName(place.function);
+    where += place.file.empty() ? " (" + offset + ")" : " at " + place.file + ":" + std::to_string(place.line);
+    return {name, where};
+}
+
+void printThread(std::ostream& out, std::uint32_t threadId, bool crashed, norvane_1::CleanStack const& frames,
+                 norvane_1::ProblemReportStorage& report, Symbolizer& symbolizer) {
+    out << "\nThread " << threadId << (crashed ? " (crashed)" : "") << '\n';
+    if (frames.empty()) out << "  no frames\n";
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        FrameText const text = describeFrame(frames[i], report, symbolizer);
+        char number[24];
+        std::snprintf(number, sizeof number, "#%-3zu", i);
+        out << "  " << number << ' ' << hex(frames[i].address, 16) << "  " << text.module
+            << std::string(text.module.size() < kModuleColumn ? kModuleColumn - text.module.size() : 1, ' ')
+            << text.where << '\n';
+    }
+}
+
+}  // namespace
+
+std::string fileNameOf(std::wstring const& path) {
+    std::size_t const slash = path.find_last_of(L"/\\");
+    return to_utf8(slash == std::wstring::npos ? path : path.substr(slash + 1));
+}
+
+void printStacks(std::ostream& out, norvane_1::ProblemReportStorage& report, Symbolizer& symbolizer) {
+    norvane_1::CleanStackMap const& stacks = report.getStackFramesMap();
+    if (stacks.empty()) {
+        out << "\nThe report holds no stacks.\n";
+        return;
+    }
+    std::uint32_t const crashed = report.getCrashedTid();
+    auto const crashedStack = stacks.find(crashed);
+    if (crashedStack != stacks.end()) printThread(out, crashed, true, crashedStack->second, report, symbolizer);
+    for (auto const& [threadId, frames] : stacks) {
+        if (threadId != crashed) printThread(out, threadId, false, frames, report, symbolizer);
+    }
+}
+
+}  // namespace kelmur_feedback
