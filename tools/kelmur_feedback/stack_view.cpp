@@ -2,11 +2,13 @@
 
 #include <vantix_2_18/utf.h>
 
+#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <cxxabi.h>
 #include <memory>
+#include <vector>
 
 namespace kelmur_feedback {
 namespace {
@@ -14,7 +16,6 @@ namespace {
 using VANTIX_2_18::utf::to_utf8;
 
 constexpr std::uint32_t kExceptionFrame = 4;
-constexpr std::size_t kModuleColumn = 16;
 
 std::string hex(std::uint64_t value, int digits) {
     char text[32];
@@ -89,17 +90,23 @@ FrameText describeFrame(norvane_1::StackFrame const& frame, norvane_1::ProblemRe
     return {name, where};
 }
 
+// The module names in a column as wide as the thread's longest, so that
+// the functions line up.
 void printThread(std::ostream& out, std::uint32_t threadId, bool crashed, norvane_1::CleanStack const& frames,
                  norvane_1::ProblemReportStorage& report, Symbolizer& symbolizer) {
     out << "\nThread " << threadId << (crashed ? " (crashed)" : "") << '\n';
     if (frames.empty()) out << "  no frames\n";
+    std::vector<FrameText> texts;
+    std::size_t moduleWidth = 0;
+    for (norvane_1::StackFrame const& frame : frames) {
+        texts.push_back(describeFrame(frame, report, symbolizer));
+        moduleWidth = std::max(moduleWidth, texts.back().module.size());
+    }
     for (std::size_t i = 0; i < frames.size(); ++i) {
-        FrameText const text = describeFrame(frames[i], report, symbolizer);
         char number[24];
         std::snprintf(number, sizeof number, "#%-3zu", i);
-        out << "  " << number << ' ' << hex(frames[i].address, 16) << "  " << text.module
-            << std::string(text.module.size() < kModuleColumn ? kModuleColumn - text.module.size() : 1, ' ')
-            << text.where << '\n';
+        out << "  " << number << ' ' << hex(frames[i].address, 16) << "  " << texts[i].module
+            << std::string(moduleWidth - texts[i].module.size() + 2, ' ') << texts[i].where << '\n';
     }
 }
 
