@@ -1,5 +1,7 @@
 #include "stack_view.h"
 
+#include "module_identity.h"
+
 #include <vantix_2_18/utf.h>
 
 #include <algorithm>
@@ -32,38 +34,6 @@ std::string readableName(std::string name) {
     std::unique_ptr<char, decltype(&std::free)> plain(abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &status),
                                                       &std::free);
     return status == 0 && plain ? plain.get() : name;
-}
-
-// The bytes as the module file holds them: a GUID keeps its first three
-// fields little-endian.
-std::string guidBytes(norvane_1::Guid const& guid) {
-    std::string text;
-    auto const add = [&text](std::uint64_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i) text += hex((value >> (8 * i)) & 0xff, 2).substr(2);
-    };
-    add(guid.Data1, 4);
-    add(guid.Data2, 2);
-    add(guid.Data3, 2);
-    for (std::uint8_t byte : guid.Data4) add(byte, 1);
-    return text;
-}
-
-std::string guidText(norvane_1::Guid const& guid) {
-    char text[40];
-    std::snprintf(text, sizeof text, "%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x", guid.Data1, guid.Data2,
-                  guid.Data3, guid.Data4[0], guid.Data4[1], guid.Data4[2], guid.Data4[3], guid.Data4[4],
-                  guid.Data4[5], guid.Data4[6], guid.Data4[7]);
-    return text;
-}
-
-// What finds the module's symbols elsewhere. An ELF file's report GUID is
-// the start of its GNU build id, enough to pick its debug file out; a PE
-// file's is its debug record's GUID, which goes with the age.
-std::string debugIdentity(norvane_1::ModuleInfo const& module) {
-    std::string const bytes = guidBytes(module.Guid);
-    if (bytes.find_first_not_of('0') == std::string::npos) return "no debug identity";
-    if (!module.FullName.empty() && module.FullName.front() == L'/') return "build id " + bytes;
-    return "guid " + guidText(module.Guid) + " age " + std::to_string(module.Age);
 }
 
 struct FrameText {
