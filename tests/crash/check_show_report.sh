@@ -2,7 +2,9 @@
 # Crashes the sample host at the end of a known chain of calls and reads the
 # report back with kelmur-feedback -show-report: the crashed thread must come
 # first, its frames naming the chain's functions in order, each with its
-# source file and line. Also a damaged report must be refused with a reason.
+# source file and line. Also a damaged report must be refused with a reason,
+# and natively, a file of another build than the one that crashed must name
+# nothing.
 # For a Windows build both programs run under the emulator.
 #
 #   check_show_report.sh KIND HOST TOOL [EMULATOR]
@@ -65,6 +67,17 @@ for i in "${!expected[@]}"; do
     [[ $frame =~ \.cpp:[0-9]+$ ]] || fail "frame $i has no source line: $frame"
 done
 echo "the view of $kind shows ${expected[*]} in order, with their lines"
+
+# Only the ELF build id is held against the file; a mingw build's DWARF has
+# no identity to compare.
+if [[ -z $emulator ]]; then
+    sed 's/^Guid: .*/Guid: 01234567-89ab-cdef-0123-456789abcdef/' "$log_dir/crash_info.txt" >"$work/other build.txt"
+    "$tool" -show-report "$work/other build.txt" >"$work/view.txt" || fail "-show-report failed on another build"
+    frame=$(awk '/^Thread / { n++ } n == 1 && /^  #/' "$work/view.txt" | sed -n 2p)
+    [[ $frame == *"another build"* && $frame != *"${expected[1]}"* ]] ||
+        fail "a file of another build still names frame 1: $frame"
+    echo "a file of another build names nothing: $frame"
+fi
 
 printf '[Exception]\nCrashedPID: not a number\n' >"$work/damaged.txt"
 status=0

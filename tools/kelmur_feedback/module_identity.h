@@ -4,9 +4,15 @@
 
 #include <norvane_1/report_records.h>
 
+#include <array>
+#include <cstdint>
 #include <string>
 
 namespace kelmur_feedback {
+
+// The GUID's bytes in the order the module file holds them: an ELF file's
+// first 16 bytes of its GNU build id, a PE file's CodeView GUID.
+std::array<std::uint8_t, 16> identityBytes(norvane_1::Guid const& guid);
 
 // "build id <hex>" for an ELF file, whose report GUID holds the start of its
 // GNU build id; "guid <guid> age <n>" for a PE file's debug record; "no debug

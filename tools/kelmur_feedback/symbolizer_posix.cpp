@@ -4,6 +4,7 @@
 
 #include <elfutils/libdwfl.h>
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -28,15 +29,19 @@ public:
     DwflSymbolizer(DwflSymbolizer const&) = delete;
     DwflSymbolizer& operator=(DwflSymbolizer const&) = delete;
 
-    SourcePlace lookUp(std::wstring const& modulePath, std::uint64_t base, std::uint64_t address) override {
-        Dwfl_Module* module = moduleOf(modulePath, base);
+    SourcePlace lookUp(ModuleFile const& file, std::uint64_t address) override {
+        Dwfl_Module* module = moduleOf(file.path, file.base);
         if (!module) return {};
         SourcePlace place;
+        if (!sameBuild(module, file.identity)) {
+            place.otherBuild = true;
+            return place;
+        }
         if (char const* name = dwfl_module_addrname(module, address)) place.function = name;
         if (Dwfl_Line* line = dwfl_module_getsrc(module, address)) {
             int lineNumber = 0;
-            if (char const* file = dwfl_lineinfo(line, nullptr, &lineNumber, nullptr, nullptr, nullptr)) {
-                place.file = file;
+            if (char const* source = dwfl_lineinfo(line, nullptr, &lineNumber, nullptr, nullptr, nullptr)) {
+                place.file = source;
                 place.line = static_cast<std::uint32_t>(lineNumber);
             }
         }
@@ -44,6 +49,19 @@ public:
     }
 
 private:
+    // The report holds the start of the build id of the file that crashed;
+    // a file rebuilt since then has another, or none.
+    static bool sameBuild(Dwfl_Module* module, std::array<std::uint8_t, 16> const& identity) {
+        if (std::all_of(identity.begin(), identity.end(), [](std::uint8_t byte) { return byte == 0; })) return true;
+        unsigned char const* buildId = nullptr;
+        GElf_Addr where = 0;
+        int const length = dwfl_module_build_id(module, &buildId, &where);
+        if (length <= 0) return false;
+        std::array<std::uint8_t, 16> start{};
+        std::copy_n(buildId, std::min<std::size_t>(start.size(), static_cast<std::size_t>(length)), start.begin());
+        return start == identity;
+    }
+
     // The module as reported once; a file that can't be read is remembered
     // as missing rather than tried again for every frame.
     Dwfl_Module* moduleOf(std::wstring const& modulePath, std::uint64_t base) {

@@ -30,8 +30,8 @@ public:
     DebugHelpSymbolizer(DebugHelpSymbolizer const&) = delete;
     DebugHelpSymbolizer& operator=(DebugHelpSymbolizer const&) = delete;
 
-    SourcePlace lookUp(std::wstring const& modulePath, std::uint64_t base, std::uint64_t address) override {
-        if (!loaded(modulePath, base)) return {};
+    SourcePlace lookUp(ModuleFile const& file, std::uint64_t address) override {
+        if (!loaded(file.path, file.base)) return {};
         SourcePlace place;
         place.function = functionAt(address);
         addLineAt(address, place);
