@@ -112,6 +112,14 @@ TEST(KelmurFeedbackCommandLine, ExportLinesAreRead) {
     EXPECT_EQ(std::get<kelmur_feedback::ShowReportCommand>(*parsed.command).reportFile, "/tmp/crash info.txt");
 }
 
+TEST(KelmurFeedbackCommandLine, UsageNamesEveryCommand) {
+    std::string const usage = kelmur_feedback::usageText();
+    for (char const* option :
+         {"-handle-crash", "-report-system-info", "-send-crash-report", "-mercy-kill", "-export-json", "-show-report"}) {
+        EXPECT_NE(usage.find(option), std::string::npos) << option;
+    }
+}
+
 struct RefusedCase {
     char const* name;
     Arguments arguments;
