@@ -17,7 +17,7 @@ source "$script_dir/../lib/common.sh"
 NORVANE_LOG_TAG=install-packages
 
 declare -A groups=(
-    [native]="build-essential cmake ninja-build pkg-config libboost-thread1.81-dev libboost-regex1.81-dev libboost-date-time1.81-dev libboost-system1.81-dev liblog4cplus-dev libunwind-dev libcurl4-openssl-dev nlohmann-json3-dev googletest libgtest-dev libgmock-dev"
+    [native]="build-essential cmake ninja-build pkg-config libdw-dev libboost-thread1.81-dev libboost-regex1.81-dev libboost-date-time1.81-dev libboost-system1.81-dev liblog4cplus-dev libunwind-dev libcurl4-openssl-dev nlohmann-json3-dev googletest libgtest-dev libgmock-dev"
     [mingw]="g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64"
     # lldb reads the minidumps of the Windows build's crashes.
     [wine]="wine64 wine lldb"

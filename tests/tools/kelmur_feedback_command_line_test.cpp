@@ -106,6 +106,18 @@ TEST(KelmurFeedbackCommandLine, ExportLinesAreRead) {
     parsed = parseCommandLine({"-export-json", "r.txt", "r.json"});
     ASSERT_TRUE(parsed.command) << parsed.error;
     EXPECT_EQ(std::get<kelmur_feedback::ExportJsonCommand>(*parsed.command).jsonFile, "r.json");
+
+    parsed = parseCommandLine({"-show-report", "/tmp/crash info.txt"});
+    ASSERT_TRUE(parsed.command) << parsed.error;
+    EXPECT_EQ(std::get<kelmur_feedback::ShowReportCommand>(*parsed.command).reportFile, "/tmp/crash info.txt");
+}
+
+TEST(KelmurFeedbackCommandLine, UsageNamesEveryCommand) {
+    std::string const usage = kelmur_feedback::usageText();
+    for (char const* option :
+         {"-handle-crash", "-report-system-info", "-send-crash-report", "-mercy-kill", "-export-json", "-show-report"}) {
+        EXPECT_NE(usage.find(option), std::string::npos) << option;
+    }
 }
 
 struct RefusedCase {
@@ -177,6 +189,8 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"mercyKillApart", {"-mercy-kill", "12"}, "expected -mercy-kill=<number>"},
         RefusedCase{"exportWithoutReport", {"-export-json"}, "expected a report file"},
         RefusedCase{"exportIntoAnOption", {"-export-json", "r.txt", "-o"}, "not an option"},
-        RefusedCase{"exportWithExtra", {"-export-json", "r.txt", "r.json", "x"}, "unexpected argument 4"}));
+        RefusedCase{"exportWithExtra", {"-export-json", "r.txt", "r.json", "x"}, "unexpected argument 4"},
+        RefusedCase{"showWithoutReport", {"-show-report"}, "expected a report file"},
+        RefusedCase{"showWithExtra", {"-show-report", "r.txt", "x"}, "unexpected argument 3"}));
 
 }  // namespace

@@ -150,6 +150,10 @@ bool readExportJsonCommand(Cursor& cursor, ExportJsonCommand& command) {
            (cursor.atEnd() || cursor.fileName("a JSON file", command.jsonFile));
 }
 
+bool readShowReportCommand(Cursor& cursor, ShowReportCommand& command) {
+    return cursor.flag("-show-report") && cursor.fileName("a report file", command.reportFile);
+}
+
 bool atEndOrFail(Cursor& cursor) { return cursor.atEnd() || cursor.fail("unexpected " + cursor.describeNext()); }
 
 // The first argument tells the command lines apart.
@@ -169,6 +173,7 @@ ParseResult parseCommandLine(std::vector<std::string> const& arguments) {
     if (first == "-send-crash-report") return parseAs<SendCommand>(arguments, readSendCommand);
     if (first.rfind("-mercy-kill", 0) == 0) return parseAs<MercyKillCommand>(arguments, readMercyKillCommand);
     if (first == "-export-json") return parseAs<ExportJsonCommand>(arguments, readExportJsonCommand);
+    if (first == "-show-report") return parseAs<ShowReportCommand>(arguments, readShowReportCommand);
     return parseAs<CrashCommand>(arguments, [](Cursor& cursor, CrashCommand& command) {
         return readFixedPart(cursor, command) && readRelayedPart(cursor, command);
     });
@@ -185,8 +190,10 @@ std::string usageText() {
            "       kelmur-feedback -send-crash-report <file> -send-crash-report <title>\n"
            "       kelmur-feedback -mercy-kill=<pid>\n"
            "       kelmur-feedback -export-json <report-file> [<json-file>]\n"
+           "       kelmur-feedback -show-report <report-file>\n"
            "The crash-handling library starts this program; numbers are decimal. -export-json\n"
-           "prints a report as JSON, or writes it to <json-file>.\n";
+           "prints a report as JSON, or writes it to <json-file>. -show-report prints a report\n"
+           "for a person, with its stacks' functions and source lines where they are known.\n";
 }
 
 }  // namespace kelmur_feedback

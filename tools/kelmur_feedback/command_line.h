@@ -25,6 +25,9 @@
 // For people and scripts, a report as JSON (ExportJsonCommand), on standard
 // output or into a file:
 //   -export-json <report file> [<json file>]
+//
+// For a person, a report as text with its stacks named (ShowReportCommand):
+//   -show-report <report file>
 #pragma once
 
 #include <cstdint>
@@ -70,7 +73,12 @@ struct ExportJsonCommand {
     std::string jsonFile;  // empty: standard output
 };
 
-using Command = std::variant<CrashCommand, CollectCommand, SendCommand, MercyKillCommand, ExportJsonCommand>;
+struct ShowReportCommand {
+    std::string reportFile;
+};
+
+using Command = std::variant<CrashCommand, CollectCommand, SendCommand, MercyKillCommand, ExportJsonCommand,
+                             ShowReportCommand>;
 
 struct ParseResult {
     std::optional<Command> command;

@@ -1,7 +1,7 @@
 #include "json_export.h"
 
+#include "report_file.h"
 #include "report_json.h"
-#include "report_summary.h"
 
 #include <filesystem>
 #include <fstream>
@@ -31,15 +31,9 @@ bool sameFile(std::string const& first, std::string const& second) {
 }  // namespace
 
 int exportJson(ExportJsonCommand const& command) {
-    std::optional<std::wstring> const text = readReportText(command.reportFile);
-    if (!text) return fail("no report could be read at " + command.reportFile);
     norvane_1::ProblemReportStorage report;
-    try {
-        report.fromString(*text);
-    } catch (std::exception const& damaged) {
-        return fail("the report at " + command.reportFile + " is damaged: " + damaged.what());
-    }
-    if (sectionNames(report, *text).empty()) return fail(command.reportFile + " holds no report sections");
+    std::string const why = loadReportFile(command.reportFile, report);
+    if (!why.empty()) return fail(why);
 
     std::string const json = jsonText(reportToJson(report));
     if (command.jsonFile.empty()) {

@@ -14,7 +14,8 @@
 //
 // On demand it completes the report of a live process (on_demand_report.h),
 // sends a report (report_sending.h), or ends a process (-mercy-kill=<pid>).
-// For people and scripts it gives a report as JSON (json_export.h).
+// For people and scripts it gives a report as JSON (json_export.h), and for
+// a person as text with its stacks named (report_view.h).
 //
 // Test hooks, from the environment:
 //   KELMUR_FEEDBACK_RECORD=<file>     first of all, write the arguments and
@@ -35,6 +36,7 @@
 #include "on_demand_report.h"
 #include "process_text.h"
 #include "report_completion.h"
+#include "report_view.h"
 #include "report_sending.h"
 #include "report_summary.h"
 #include "stack_fallback.h"
@@ -102,6 +104,9 @@ struct CommandRunner {
     int operator()(kelmur_feedback::MercyKillCommand const& command) const { return mercyKill(command); }
     int operator()(kelmur_feedback::ExportJsonCommand const& command) const {
         return kelmur_feedback::exportJson(command);
+    }
+    int operator()(kelmur_feedback::ShowReportCommand const& command) const {
+        return kelmur_feedback::showReport(command);
     }
 };
 
