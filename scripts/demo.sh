@@ -6,10 +6,11 @@
 # app properties, the head of its log, its custom sections and the creation
 # log of the crash path.
 #
-# The crash is handled as configured by default: the reference handler finds
-# no stack in the report and has the crashed process collect it over the
-# task service, so the report shows the crashed thread's frames and the
-# modules they pass through.
+# The crash is handled as configured by default: the reference handler reads
+# every thread's stack from outside, the crashed thread's from the fault, so
+# the report shows each thread's frames and the modules they pass through.
+# Then the handler's view of the report for a person: the exception, and
+# each thread's frames with their functions, files and lines.
 #
 # Then the same host, alive, asks for a report of itself on demand: the
 # feedback tool completes it with every thread's stack, read from outside.
@@ -45,6 +46,8 @@ env -u NORVANE_DISABLE_EXCEPTION_HANDLER -u NORVANE_CRASH_HANDLER -u KELMUR_FEED
 norvane_log "crash_host ended with exit code 3; the report it left, $logs/crash_info.txt:"
 cat "$logs/crash_info.txt"
 norvane_log "the report is in $logs/crash_info.txt"
+norvane_log "the same report for a person: kelmur-feedback -show-report $logs/crash_info.txt"
+build/linux/bin/kelmur-feedback -show-report "$logs/crash_info.txt"
 
 ondemand="$logs/on-demand"
 mkdir -p "$ondemand"
