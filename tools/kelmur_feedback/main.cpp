@@ -23,6 +23,8 @@
 //   KELMUR_FEEDBACK_EXIT_CODE=<n>     exit with n once the work is done
 //   KELMUR_FEEDBACK_NO_OUTSIDE_STACKS=1  after a crash, act as if the stacks
 //                                     could not be read from outside
+//   KELMUR_FEEDBACK_NO_DUMP=1         after a crash, write no dump (Wine's
+//                                     debug-help library takes seconds)
 //   KELMUR_FEEDBACK_KEEP_REPORT=1     leave crash_info.txt as the library wrote
 //                                     it (for timing the library's export)
 //   KELMUR_FEEDBACK_OUTBOX=<dir>      keep reports that could not be sent
@@ -74,7 +76,7 @@ void recordInvocation(std::vector<std::string> const& arguments, std::int64_t st
 int handleCrash(kelmur_feedback::CrashCommand const& command) {
     auto report = kelmur_feedback::readReportText(command.crashInfoFile);
     report = kelmur_feedback::collectCrashStacks(command, report);
-    if (report) {
+    if (report && kelmur_feedback::environmentValue("KELMUR_FEEDBACK_NO_DUMP").empty()) {
         std::string const why = kelmur_feedback::writeDumpOfReport(*report, command.dumpMemory);
         if (!why.empty()) std::cerr << "kelmur-feedback: no dump of the crash: " << why << '\n';
     }

@@ -33,7 +33,11 @@ private:
 // The walker's symbol handler for the process, for as long as it lives.
 class SymbolSession {
 public:
-    explicit SymbolSession(HANDLE process) : m_process(process), m_ready(::SymInitializeW(process, nullptr, TRUE)) {}
+    // Deferred loads: the walk needs the unwind tables of the modules it
+    // passes through, not the debug information of every module.
+    explicit SymbolSession(HANDLE process)
+        : m_process(process),
+          m_ready((::SymSetOptions(::SymGetOptions() | SYMOPT_DEFERRED_LOADS), ::SymInitializeW(process, nullptr, TRUE))) {}
     ~SymbolSession() {
         if (m_ready) ::SymCleanup(m_process);
     }
