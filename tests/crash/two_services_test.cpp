@@ -1,6 +1,6 @@
 // Linux: every crashed process has a task service of its own, so two that
 // crash at once each serve their own handler. (On Windows the pipe's one
-// name is shared, as its design has it.)
+// name is the same for every process.)
 #include "crash_run.h"
 #include "expectations.h"
 

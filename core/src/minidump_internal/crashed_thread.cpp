@@ -54,7 +54,7 @@
 //  - copies the exception data into the state under the worker mutex
 //    [not safe: a mutex].
 // What isn't safe is accepted because each step is ordinary work that the
-// design puts here and that almost always succeeds; the rare crash that
+// crash path needs before the hand-over and that almost always succeeds; the rare crash that
 // struck while its thread held one of those locks (the heap's, the
 // logger's) would block this path for good, so the budget bounds the whole
 // way from the fault to the handler's start: past it the process ends with

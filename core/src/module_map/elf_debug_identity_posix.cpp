@@ -1,3 +1,5 @@
+// The debug identity of an ELF file on disk: its bytes read through a file
+// descriptor for the ELF reader. POSIX code only.
 #include "elf_debug_identity.h"
 
 #include "elf_image.h"

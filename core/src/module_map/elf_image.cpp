@@ -1,3 +1,5 @@
+// Reading an ELF file's identity: its load segments, its build-id note
+// and its symbol table. Portable code only.
 #include "elf_image.h"
 
 #include <algorithm>

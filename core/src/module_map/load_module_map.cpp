@@ -1,3 +1,5 @@
+// loadModuleMap: the module map of a process, from its address space's
+// regions. Portable code only.
 #include <norvane_1/module_map.h>
 
 #include "module_scan.h"

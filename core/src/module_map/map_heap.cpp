@@ -1,3 +1,4 @@
+// The module map's heap: the allocator it uses, set once. Portable code only.
 #include "map_heap.h"
 
 #include <atomic>

@@ -1,3 +1,5 @@
+// The regions of a process as the text of /proc/<pid>/maps gives them.
+// Portable code only: the text is parsed here, read elsewhere.
 #include "maps_region_source.h"
 
 #include <vantix_2_18/utf.h>

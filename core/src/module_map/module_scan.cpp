@@ -1,3 +1,5 @@
+// Module enumeration over a region source: each image found once, with its
+// whole range. Portable code only.
 #include "module_scan.h"
 
 #include "map_heap.h"

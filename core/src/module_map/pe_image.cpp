@@ -1,3 +1,5 @@
+// Reading a PE image's identity: its headers, sections and CodeView debug
+// record. Portable code only.
 #include "pe_image.h"
 
 namespace norvane_1 {

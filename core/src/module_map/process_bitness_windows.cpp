@@ -1,3 +1,4 @@
+// Whether a process is a 32-bit one on 64-bit Windows. Windows code only.
 #include "process_bitness.h"
 
 #include <windows.h>

@@ -1,4 +1,4 @@
-// The stack capture, in the steps of its design. Portable code only.
+// The stack capture, in its numbered steps. Portable code only.
 #include "stack_capture.h"
 
 #include "region_source.h"

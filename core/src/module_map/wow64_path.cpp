@@ -1,3 +1,5 @@
+// The path correction for 32-bit processes: System32 in their view is
+// SysWOW64 on disk. Portable code only.
 #include "wow64_path.h"
 
 #include <vantix_2_18/strings.h>
