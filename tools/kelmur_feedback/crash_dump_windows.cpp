@@ -33,7 +33,7 @@ struct FaultPointers {
 };
 
 MINIDUMP_TYPE dumpTypeOf(std::uint32_t dumpMemory) {
-    return static_cast<MINIDUMP_TYPE>(MiniDumpNormal | (dumpMemory > 100 ? MiniDumpWithIndirectlyReferencedMemory : 0));
+    return static_cast<MINIDUMP_TYPE>(MiniDumpNormal | (dumpMemory > 0 ? MiniDumpWithIndirectlyReferencedMemory : 0));
 }
 
 }  // namespace
@@ -48,15 +48,9 @@ std::string writeCrashDump(DumpRequest const& request) {
         ::CloseHandle(process);
         return why;
     }
-    // The dump needs the modules' headers, not their debug information.
-    // A symbol session of our own with deferred loads keeps the library from
-    // starting one that reads the debug information of every module.
-    ::SymSetOptions(::SymGetOptions() | SYMOPT_DEFERRED_LOADS);
-    BOOL const session = ::SymInitializeW(process, nullptr, TRUE);
     FaultPointers fault(request);
     bool const written = ::MiniDumpWriteDump(process, request.processId, file, dumpTypeOf(request.dumpMemory),
                                              request.threadId != 0 ? &fault.information : nullptr, nullptr, nullptr);
-    if (session) ::SymCleanup(process);
     std::string const why = written ? std::string() : failure("the debug-help library could not write the dump");
     ::CloseHandle(file);
     ::CloseHandle(process);
