@@ -22,7 +22,7 @@ install(FILES
     "${PROJECT_BINARY_DIR}/norvaneConfigVersion.cmake"
     DESTINATION ${NORVANE_CMAKE_DIR})
 
-if(WIN32)
+if(NORVANE_PLATFORM STREQUAL "windows")
     # The DLL needs the compiler's run-time DLLs beside it; its program
     # database goes there too, where a debugger looks for it by the name in
     # the DLL's CodeView record.

@@ -1,7 +1,7 @@
 # Windows programs built with mingw-w64 need the compiler's run-time DLLs at
 # run time. Copying them beside the programs keeps every way of starting them
 # working (ctest, a crashing child, a spawned handler) without a search path.
-if(NOT WIN32)
+if(NOT NORVANE_PLATFORM STREQUAL "windows")
     return()
 endif()
 

@@ -2,7 +2,7 @@
 include(GoogleTest)
 
 # Test names carry the platform, so that a run over both builds tells them apart.
-if(WIN32)
+if(NORVANE_PLATFORM STREQUAL "windows")
     set(default_platform windows)
 else()
     set(default_platform linux)
@@ -12,7 +12,7 @@ set(NORVANE_TEST_PLATFORM ${default_platform} CACHE STRING "Prefix of the test n
 # On Windows the task service's pipe has one name for the whole machine (the
 # Wine prefix): tests whose processes run a service take turns.
 set(NORVANE_TASK_PIPE_LOCK "")
-if(WIN32)
+if(NORVANE_PLATFORM STREQUAL "windows")
     set(NORVANE_TASK_PIPE_LOCK RESOURCE_LOCK minidump_task_pipe)
 endif()
 

@@ -3,7 +3,7 @@
 // thread's exception with the registers of the fault. Windows code only.
 #include "crash_dump.h"
 
-#include "windows_context.h"
+#include "context_windows.h"
 
 #include <windows.h>
 #include <dbghelp.h>

@@ -3,7 +3,7 @@
 // the process's memory. Windows code only.
 #include "outside_stacks.h"
 
-#include "windows_context.h"
+#include "context_windows.h"
 
 #include <windows.h>
 #include <dbghelp.h>

@@ -1,4 +1,4 @@
-// Stacks for signals on every thread; see signal_stacks.cpp. POSIX code only.
+// Stacks for signals on every thread; see signal_stacks_posix.cpp. POSIX code only.
 #pragma once
 
 #include <pthread.h>

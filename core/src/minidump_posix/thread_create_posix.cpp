@@ -1,6 +1,6 @@
 // The shared library's pthread_create, in front of the C library's, so that
 // every thread the process starts can take a stack overflow with a report
-// (signal_stacks.cpp). Built into the shared library only: the unit tests,
+// (signal_stacks_posix.cpp). Built into the shared library only: the unit tests,
 // which link the library's objects into programs of their own, keep the C
 // library's. POSIX code only.
 //

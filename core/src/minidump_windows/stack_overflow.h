@@ -1,4 +1,4 @@
-// Stack overflows on Windows; see stack_overflow.cpp. Windows code only.
+// Stack overflows on Windows; see stack_overflow_windows.cpp. Windows code only.
 #pragma once
 
 #include <windows.h>

@@ -18,7 +18,7 @@ namespace norvane_1 {
 namespace {
 
 // A stack overflow leaves too little stack for the steps: they go to a
-// relay thread (stack_overflow.cpp).
+// relay thread (stack_overflow_windows.cpp).
 LONG WINAPI unhandledExceptionFilter(EXCEPTION_POINTERS* pointers) {
     bool const overflow = pointers != nullptr && pointers->ExceptionRecord != nullptr &&
                           pointers->ExceptionRecord->ExceptionCode == EXCEPTION_STACK_OVERFLOW;

@@ -1,4 +1,4 @@
-#include "windows_context.h"
+#include "context_windows.h"
 
 namespace kelmur_feedback {
 
