@@ -1,13 +1,18 @@
 # Unit tests: GoogleTest programs linked with the library's objects.
 include(GoogleTest)
 
-# Test names carry the platform, so that a run over both builds tells them apart.
+# Test names carry the tree (linux, linux-asan, linux-tsan, windows), so that
+# one run over several trees tells their tests apart.
 if(NORVANE_PLATFORM STREQUAL "windows")
-    set(default_platform windows)
+    set(NORVANE_TEST_PLATFORM windows)
 else()
-    set(default_platform linux)
+    set(NORVANE_TEST_PLATFORM linux)
 endif()
-set(NORVANE_TEST_PLATFORM ${default_platform} CACHE STRING "Prefix of the test names")
+if(NORVANE_SANITIZE STREQUAL "address")
+    string(APPEND NORVANE_TEST_PLATFORM -asan)
+elseif(NORVANE_SANITIZE STREQUAL "thread")
+    string(APPEND NORVANE_TEST_PLATFORM -tsan)
+endif()
 
 # On Windows the task service's pipe has one name for the whole machine (the
 # Wine prefix): tests whose processes run a service take turns.
@@ -28,7 +33,7 @@ endif()
 # unjoined, on purpose, as nothing may be waited for at that point.
 set(NORVANE_SANITIZER_VARIABLES "")
 set(NORVANE_SANITIZER_ENVIRONMENT "")
-if(CMAKE_CXX_FLAGS MATCHES "sanitize=thread")
+if(NORVANE_SANITIZE STREQUAL "thread")
     set(NORVANE_SANITIZER_VARIABLES
         "TSAN_OPTIONS=halt_on_error=1 report_signal_unsafe=0 report_thread_leaks=0 handle_segv=0 handle_sigbus=0 handle_sigill=0 handle_sigfpe=0 handle_abort=0")
     set(NORVANE_SANITIZER_ENVIRONMENT ENVIRONMENT "${NORVANE_SANITIZER_VARIABLES}")
