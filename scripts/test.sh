@@ -5,9 +5,9 @@
 # Wine).
 #
 # Installs what a fresh Debian 12 machine lacks, builds the cross-compiled
-# dependencies once into ~/.cache/norvane, builds all four trees (warnings
-# are errors there) and runs every test in one ctest run, so the output ends
-# with one summary line.
+# dependencies once into ~/.cache/norvane, checks the C++ files' layout,
+# builds all four trees (warnings are errors there) and runs every test in
+# one ctest run, so the output ends with one summary line.
 #
 #   scripts/test.sh             everything
 #   scripts/test.sh linux       only the given build trees (linux, sanitize, tsan, windows)
@@ -23,6 +23,15 @@ presets=("$@")
 [[ ${#presets[@]} -gt 0 ]] || presets=(linux sanitize tsan windows)
 
 scripts/setup/install-packages.sh
+# The layout check fails the run once the whole tree has been laid out by
+# scripts/format.sh; until then it counts the files that differ and goes on.
+format_check_enforced=false
+norvane_log "checking the layout of the C++ files"
+if $format_check_enforced; then
+    scripts/format.sh --check
+else
+    scripts/format.sh --check >/dev/null || norvane_log "layout not enforced yet: going on"
+fi
 for preset in "${presets[@]}"; do
     if [[ "$preset" == windows ]]; then
         scripts/setup/build-mingw-deps.sh

@@ -4,7 +4,7 @@
 #
 # Usage: scripts/setup/install-packages.sh [GROUP|PACKAGE ...]
 #   No arguments installs everything. Arguments may be group names
-#   (native, mingw, wine, fuzz, bench, source) or literal package names.
+#   (native, mingw, wine, fuzz, bench, format, source) or literal package names.
 #
 # Only packages that are not installed yet are passed to apt, and
 # `apt-get update` runs only when something is missing, so re-running this
@@ -24,11 +24,13 @@ declare -A groups=(
     # libFuzzer ships in the compiler-rt package, not with clang itself.
     [fuzz]="clang libclang-rt-14-dev"
     [bench]="libbenchmark-dev"
+    # clang-format-14: the version .clang-format is tuned for.
+    [format]="clang-format-14"
     # apt-get source needs dpkg-source (dpkg-dev) to unpack; xz and patch
     # are what it shells out to for the Debian tarballs and quilt series.
     [source]="dpkg-dev xz-utils patch"
 )
-group_order=(native mingw wine fuzz bench source)
+group_order=(native mingw wine fuzz bench format source)
 
 wanted=()
 if [[ $# -eq 0 ]]; then
