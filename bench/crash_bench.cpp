@@ -8,6 +8,8 @@
 //                              handler's main() (its "started-us" record)
 //   fault -> process end       the host's fault to the moment its end wakes
 //                              this program
+//   handler end -> process end with quick_handler: what the crash takes
+//                              after its handler has ended
 //
 // The ways:
 //  - "crash_host call-chain", three calls deep, in collect mode 1
@@ -54,8 +56,9 @@ constexpr std::chrono::seconds kHostTimeLimit{60};
 
 struct Sample {
     double reportMs;
-    std::optional<double> handlerMs;  // none from quick_handler
+    double handlerMs;
     double endMs;
+    std::optional<double> afterHandlerMs;  // from quick_handler's end to the process's
 };
 
 // The number behind `prefix` on the first line that starts with it.
@@ -127,13 +130,14 @@ std::optional<Sample> runOnce(fs::path const& directory, Way const& way) {
     auto const fault = recordedMicroseconds(directory / "fault.txt", "fault-us: ");
     auto const handler = recordedMicroseconds(directory / "handler.txt", "started-us: ");
     auto const report = crash_bench::modifiedMicroseconds(directory / "log" / "crash_info.txt");
-    if (!fault || (!handler && !way.quickHandler) || !report) {
+    auto const handlerEnd = recordedMicroseconds(directory / "handler.txt", "ended-us: ");
+    if (!fault || !handler || !report || (way.quickHandler && !handlerEnd)) {
         std::cerr << "crash_bench: a time is missing in " << directory.u8string() << '\n';
         return std::nullopt;
     }
-    std::optional<double> handlerMs;
-    if (handler) handlerMs = (*handler - *fault) / 1000.0;
-    return Sample{(*report - *fault) / 1000.0, handlerMs, (ended - *fault) / 1000.0};
+    std::optional<double> afterHandlerMs;
+    if (handlerEnd) afterHandlerMs = (ended - *handlerEnd) / 1000.0;
+    return Sample{(*report - *fault) / 1000.0, (*handler - *fault) / 1000.0, (ended - *fault) / 1000.0, afterHandlerMs};
 }
 
 void printFigures(char const* label, std::vector<double> values, char const* target = "") {
@@ -148,12 +152,14 @@ bool measure(Way const& way, int runs, fs::path const& scratch) {
     std::vector<double> reportTimes;
     std::vector<double> handlerTimes;
     std::vector<double> endTimes;
+    std::vector<double> afterHandlerTimes;
     for (int run = 0; run < runs; ++run) {
         fs::path const directory = scratch / (std::to_string(&way - kWays) + "-" + std::to_string(run));
         if (auto const sample = runOnce(directory, way)) {
             reportTimes.push_back(sample->reportMs);
-            if (sample->handlerMs) handlerTimes.push_back(*sample->handlerMs);
+            handlerTimes.push_back(sample->handlerMs);
             endTimes.push_back(sample->endMs);
+            if (sample->afterHandlerMs) afterHandlerTimes.push_back(*sample->afterHandlerMs);
         }
     }
     std::printf("%s: %zu of %d runs\n", way.description, reportTimes.size(), runs);
@@ -162,8 +168,9 @@ bool measure(Way const& way, int runs, fs::path const& scratch) {
     std::snprintf(target, sizeof target, "target <= %.1f (native Release)", way.targetMs);
     bool const forReport = std::string(way.targetOf) == "report";
     printFigures("fault -> report written", reportTimes, forReport ? target : "");
-    if (!handlerTimes.empty()) printFigures("fault -> handler started", handlerTimes);
+    printFigures("fault -> handler started", handlerTimes);
     printFigures("fault -> process end", endTimes, forReport ? "" : target);
+    if (!afterHandlerTimes.empty()) printFigures("handler end -> process end", afterHandlerTimes);
     return reportTimes.size() == static_cast<std::size_t>(runs);
 }
 
