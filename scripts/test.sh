@@ -23,7 +23,9 @@ presets=("$@")
 
 scripts/setup/install-packages.sh
 for preset in "${presets[@]}"; do
-    if [[ "$preset" == windows ]]; then
+    if [[ "$preset" != windows ]]; then
+        scripts/setup/build-native-deps.sh
+    else
         scripts/setup/build-mingw-deps.sh
         # Creating the Wine prefix takes longer than test discovery waits.
         cmake/wine-run.sh --prepare
