@@ -9,6 +9,24 @@ deb_src_file=/etc/apt/sources.list.d/norvane-deb-src.sources
 
 # Runs a step with its output in a log file; on failure shows the tail so
 # CI logs are useful without the cache directory.
+# The arguments of a build script: --force (sets force=1) or --help (prints
+# the script's opening comment, from `self`, and exits).
+read_build_arguments() {
+    local self="$1" arg
+    shift
+    force=0
+    for arg in "$@"; do
+        case "$arg" in
+            --force) force=1 ;;
+            -h | --help)
+                sed -n '2,/^set -e/{/^set -e/d;s/^# \{0,1\}//;p}' "$self"
+                exit 0
+                ;;
+            *) norvane_die "unknown argument '$arg' (try --help)" ;;
+        esac
+    done
+}
+
 step() {
     local name="$1"
     shift
@@ -125,9 +143,12 @@ fetch_and_extract() {
 # On Windows those threads are also joined by a static destructor at DLL
 # unload, which never returns once process exit has taken them away. The
 # plain library name (no S/U decoration) keeps the exported target
-# log4cplus::log4cplus, the name Debian's own package exports.
+# log4cplus::log4cplus, the name Debian's own package exports. Explicit
+# initialisation: nothing of log4cplus runs when the library is loaded; the
+# loggers are made, and log4cplus initialised, at install.
 log4cplus_cmake_args=(
     -DLOG4CPLUS_ENABLE_THREAD_POOL=OFF
+    -DLOG4CPLUS_REQUIRE_EXPLICIT_INITIALIZATION=ON
     -DLOG4CPLUS_BUILD_TESTING=OFF
     -DLOG4CPLUS_BUILD_LOGGINGSERVER=OFF
     -DWITH_UNIT_TESTS=OFF

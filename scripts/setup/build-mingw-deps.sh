@@ -23,17 +23,7 @@ repo_root="$(cd "$script_dir/../.." && pwd)"
 toolchain="$repo_root/cmake/toolchains/mingw-w64-x86_64.cmake"
 self="$script_dir/$(basename "${BASH_SOURCE[0]}")"
 
-force=0
-for arg in "$@"; do
-    case "$arg" in
-        --force) force=1 ;;
-        -h | --help)
-            sed -n '2,/^set -e/{/^set -e/d;s/^# \{0,1\}//;p}' "$self"
-            exit 0
-            ;;
-        *) norvane_die "unknown argument '$arg' (try --help)" ;;
-    esac
-done
+read_build_arguments "$self" "$@"
 
 boost_src_pkg=boost1.81
 boost_version=1.81.0

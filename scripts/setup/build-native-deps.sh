@@ -24,17 +24,7 @@ source "$script_dir/../lib/debian-source.sh"
 NORVANE_LOG_TAG=build-native-deps
 self="$script_dir/$(basename "${BASH_SOURCE[0]}")"
 
-force=0
-for arg in "$@"; do
-    case "$arg" in
-        --force) force=1 ;;
-        -h | --help)
-            sed -n '2,/^set -e/{/^set -e/d;s/^# \{0,1\}//;p}' "$self"
-            exit 0
-            ;;
-        *) norvane_die "unknown argument '$arg' (try --help)" ;;
-    esac
-done
+read_build_arguments "$self" "$@"
 
 log4cplus_version=2.0.8
 library=liblog4cplus-2.0.a
@@ -95,7 +85,6 @@ rm -rf "$prefix"
 step native-log4cplus-configure cmake -S "$work/log4cplus" -B "$work/build" -G Ninja \
     -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$prefix" -DCMAKE_INSTALL_LIBDIR=lib \
     -DBUILD_SHARED_LIBS=OFF -DCMAKE_POSITION_INDEPENDENT_CODE=ON -DUNICODE=OFF -DLIBNSL= -DLIBRT= \
-    -DLOG4CPLUS_REQUIRE_EXPLICIT_INITIALIZATION=ON \
     "${log4cplus_cmake_args[@]}"
 step native-log4cplus-build cmake --build "$work/build" --parallel "$jobs"
 step native-log4cplus-install cmake --install "$work/build"
