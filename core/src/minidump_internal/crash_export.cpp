@@ -6,7 +6,7 @@
 
 #include "crash_work.h"
 #include "exception_names.h"
-#include "log_directory.h"
+#include "minidump_problem_report_storage/log_directory.h"
 #include "uncaught_exception.h"
 #include "os_layer/text_files.h"
 

@@ -1,6 +1,7 @@
 // The whole report: section order, what a round trip keeps, and the text
 // as the contract between the two platforms' builds.
-#include "report_probe.h"
+#include <norvane_1/problem_report_storage.h>
+
 #include "sample_reports.h"
 
 #include <boost/lexical_cast.hpp>
@@ -12,7 +13,6 @@
 namespace {
 
 using norvane_1::ProblemReportStorage;
-using norvane_test::ReportProbe;
 using norvane_test::withCrLf;
 
 std::string readFile(std::string const& path) {
@@ -111,7 +111,7 @@ TEST(WholeReport, RoundTripKeepsTheRecords) {
 }
 
 TEST(WholeReport, FromStringAddsToWhatTheObjectHolds) {
-    ReportProbe report;
+    ProblemReportStorage report;
     report.setSection(L"Kept", L"yes");
     report.getModuleInfo().resize(2);
     report.fromString(L"no sections at all");
