@@ -1,5 +1,5 @@
 // "Module000"... sections. Value forms, GUIDs among them, are in
-// value_forms_test.cpp.
+// value_forms_test.cpp; the sections as written are in the golden report.
 #include <norvane_1/problem_report_storage.h>
 
 #include "minidump_problem_report_storage/module_sections.h"
@@ -26,41 +26,7 @@ ModuleInfo sampleModule() {
     return m;
 }
 
-bool sameGuid(Guid const& a, Guid const& b) {
-    return a.Data1 == b.Data1 && a.Data2 == b.Data2 && a.Data3 == b.Data3 &&
-           std::equal(std::begin(a.Data4), std::end(a.Data4), std::begin(b.Data4));
-}
-
-TEST(ModuleSections, ExamplesAreWrittenExactly) {
-    ModuleInfo bare;
-    bare.Base = bare.Begin = 0x7ffb10000000ULL;
-    bare.End = 0x7ffb10080000ULL;
-    bare.FullName = L"C:\\Windows\\System32\\kernel32.dll";
-    norvane_1::StringMap sections;
-    norvane_1::internal::writeModuleSections({sampleModule(), bare}, sections);
-    EXPECT_EQ(sections[L"Module000"],
-              L"Age: 0x0000000000000001\n"
-              L"Base: 0x00007ff6a1b00000\n"
-              L"Begin: 0x00007ff6a1b00000\n"
-              L"End: 0x00007ff6a1c40000\n"
-              L"FullName: C:\\Program&nbsp;Files\\Sample\\bin64\\sample.dll\n"
-              L"Guid: 3f2504e0-4f89-11d3-9a0c-0305e82c3301\n"
-              L"Size: 0x0000000000140000\n"
-              L"SymbolName: C:\\Program&nbsp;Files\\Sample\\bin64\\sample.pdb\n"
-              L"Timestamp: 0x000000005a1b2c3d\n");
-    EXPECT_EQ(sections[L"Module001"],
-              L"Age: 0x0000000000000000\n"
-              L"Base: 0x00007ffb10000000\n"
-              L"Begin: 0x00007ffb10000000\n"
-              L"End: 0x00007ffb10080000\n"
-              L"FullName: C:\\Windows\\System32\\kernel32.dll\n"
-              L"Guid: 00000000-0000-0000-0000-000000000000\n"
-              L"Size: 0x0000000000000000\n"
-              L"SymbolName: \n"
-              L"Timestamp: 0x0000000000000000\n");
-}
-
-TEST(ModuleSections, RoundTripKeepsEveryFieldAndRebuildsIndexes) {
+TEST(ModuleSections, RoundTripKeepsEveryField) {
     ProblemReportStorage written;
     ModuleInfo second = sampleModule();
     second.FullName = L"/usr/lib/x86_64-linux-gnu/libc.so.6";
@@ -70,7 +36,7 @@ TEST(ModuleSections, RoundTripKeepsEveryFieldAndRebuildsIndexes) {
     read.fromString(written.toString());
     ASSERT_EQ(read.getModuleInfo().size(), 2u);
     EXPECT_EQ(read.getModuleInfo()[0], sampleModule());
-    EXPECT_TRUE(sameGuid(read.getModuleInfo()[0].Guid, sampleModule().Guid));
+    EXPECT_EQ(norvane_1::internal::guidToString(read.getModuleInfo()[0].Guid), L"3f2504e0-4f89-11d3-9a0c-0305e82c3301");
     EXPECT_EQ(read.getModuleInfo()[0].Age, 1u);
     EXPECT_EQ(read.getModuleInfo()[1], second);
 }
