@@ -1,9 +1,7 @@
 // The sections that say what went wrong: "Exception", "Assertion" and
 // "ProcessDump", with the facts the three share. Portable code only; no I/O.
 //
-// Writer and reader are not mirror images: the readers take missing text
-// fields as empty and addresses as 0, but leave decimal fields and the
-// bitness alone when their key is missing or empty.
+// Writer and reader are not mirror images (problem_sections.h says how).
 #include "problem_sections.h"
 
 #include <norvane_1/string_traits.h>

@@ -25,9 +25,9 @@ std::wstring processDumpSectionText(ProcessDump const& processDump, ProblemFacts
 
 // The readers change nothing for an empty text. Otherwise missing text
 // fields read as empty and addresses as 0, but decimal fields and the
-// bitness keep their value when their key is missing or empty, as a report
-// read over an older one keeps what the older one knew. A decimal that is no
-// number throws boost::bad_lexical_cast; what was read before it stays.
+// bitness keep their value when their key is missing or empty. A decimal
+// that is no number throws boost::bad_lexical_cast; what was read before it
+// stays.
 void readExceptionSection(std::wstring const& text, Exception& exception, ProblemFacts& facts);
 void readAssertionSection(std::wstring const& text, Assertion& assertion, ProblemFacts& facts);
 void readProcessDumpSection(std::wstring const& text, ProcessDump& processDump, ProblemFacts& facts);
