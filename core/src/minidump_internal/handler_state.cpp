@@ -15,7 +15,7 @@
 
 #include "crash_stages.h"
 #include "crash_work.h"
-#include "log_directory.h"
+#include "minidump_problem_report_storage/log_directory.h"
 #include "platform.h"
 #include "process_globals.h"
 
