@@ -6,6 +6,10 @@
 //                              crash_info.txt (the file's modification time)
 //   fault -> handler started   the host's fault to the start of the
 //                              handler's main() (its "started-us" record)
+//   fault -> process end       the host's fault to the moment its end wakes
+//                              this program
+//   handler end -> process end with quick_handler: what the crash takes
+//                              after its handler has ended
 //
 // The ways:
 //  - "crash_host call-chain", three calls deep, in collect mode 1
@@ -16,7 +20,9 @@
 //    thread's stack from outside and completes the report; the time is the
 //    fault to that final write;
 //  - the same with "crash_host fifty-threads": 50 threads asleep beside the
-//    faulting one, each stack read from outside.
+//    faulting one, each stack read from outside;
+//  - collect mode 1 again, with quick_handler, a handler that exits at once:
+//    the library's own cost from the fault to the end of the process.
 //
 // Usage: crash_bench [runs]   (default 15)
 //
@@ -45,11 +51,14 @@ constexpr int kDefaultRuns = 15;
 constexpr double kCompleteReportTargetMs = 2.5;  // native Release medians
 constexpr double kCallbackReportTargetMs = 15.0;
 constexpr double kManyThreadsReportTargetMs = 50.0;
+constexpr double kProcessEndTargetMs = 2.0;
 constexpr std::chrono::seconds kHostTimeLimit{60};
 
 struct Sample {
     double reportMs;
     double handlerMs;
+    double endMs;
+    std::optional<double> afterHandlerMs;  // from quick_handler's end to the process's
 };
 
 // The number behind `prefix` on the first line that starts with it.
@@ -64,15 +73,20 @@ std::optional<std::int64_t> recordedMicroseconds(fs::path const& file, std::stri
 struct Way {
     char const* kind;
     bool inProcess;
+    bool quickHandler;
     char const* description;
     double targetMs;
+    char const* targetOf;  // the figure the target is for
 };
 
 Way const kWays[] = {
-    {"call-chain", true, "collect mode 1: the library's complete report", kCompleteReportTargetMs},
-    {"call-chain", false, "default mode: the final report, stacks read from outside", kCallbackReportTargetMs},
-    {"fifty-threads", false, "default mode, 51 threads: every thread's stack from outside",
-     kManyThreadsReportTargetMs},
+    {"call-chain", true, false, "collect mode 1: the library's complete report", kCompleteReportTargetMs,
+     "report"},
+    {"call-chain", false, false, "default mode: the final report, stacks read from outside",
+     kCallbackReportTargetMs, "report"},
+    {"fifty-threads", false, false, "default mode, 51 threads: every thread's stack from outside",
+     kManyThreadsReportTargetMs, "report"},
+    {"call-chain", true, true, "collect mode 1, a handler that exits at once", kProcessEndTargetMs, "end"},
 };
 
 norvane_test::ChildOptions hostOptions(fs::path const& directory, Way const& way) {
@@ -96,6 +110,9 @@ norvane_test::ChildOptions hostOptions(fs::path const& directory, Way const& way
         way.inProcess ? std::optional<std::string>("1") : std::nullopt;
     // In mode 1 the report the library writes is the one timed.
     options.environment["KELMUR_FEEDBACK_KEEP_REPORT"] = way.inProcess ? std::optional<std::string>("1") : std::nullopt;
+    if (way.quickHandler) {
+        options.environment["NORVANE_CRASH_HANDLER"] = norvane_test::programBesideThisOne("quick_handler").u8string();
+    }
     return options;
 }
 
@@ -103,6 +120,9 @@ std::optional<Sample> runOnce(fs::path const& directory, Way const& way) {
     fs::create_directories(directory);
     norvane_test::ChildProcess host(hostOptions(directory, way));
     norvane_test::ChildOutcome const outcome = host.wait(kHostTimeLimit);
+    auto const ended = std::chrono::duration_cast<std::chrono::microseconds>(
+                           std::chrono::system_clock::now().time_since_epoch())
+                           .count();
     if (!outcome.finished || outcome.exitCode != 3) {
         std::cerr << "crash_bench: the host " << norvane_test::describe(outcome) << '\n';
         return std::nullopt;
@@ -110,11 +130,14 @@ std::optional<Sample> runOnce(fs::path const& directory, Way const& way) {
     auto const fault = recordedMicroseconds(directory / "fault.txt", "fault-us: ");
     auto const handler = recordedMicroseconds(directory / "handler.txt", "started-us: ");
     auto const report = crash_bench::modifiedMicroseconds(directory / "log" / "crash_info.txt");
-    if (!fault || !handler || !report) {
+    auto const handlerEnd = recordedMicroseconds(directory / "handler.txt", "ended-us: ");
+    if (!fault || !handler || !report || (way.quickHandler && !handlerEnd)) {
         std::cerr << "crash_bench: a time is missing in " << directory.u8string() << '\n';
         return std::nullopt;
     }
-    return Sample{(*report - *fault) / 1000.0, (*handler - *fault) / 1000.0};
+    std::optional<double> afterHandlerMs;
+    if (handlerEnd) afterHandlerMs = (ended - *handlerEnd) / 1000.0;
+    return Sample{(*report - *fault) / 1000.0, (*handler - *fault) / 1000.0, (ended - *fault) / 1000.0, afterHandlerMs};
 }
 
 void printFigures(char const* label, std::vector<double> values, char const* target = "") {
@@ -128,19 +151,26 @@ void printFigures(char const* label, std::vector<double> values, char const* tar
 bool measure(Way const& way, int runs, fs::path const& scratch) {
     std::vector<double> reportTimes;
     std::vector<double> handlerTimes;
+    std::vector<double> endTimes;
+    std::vector<double> afterHandlerTimes;
     for (int run = 0; run < runs; ++run) {
-        fs::path const directory = scratch / (std::string(way.kind) + "-" + std::to_string(way.inProcess) + "-" + std::to_string(run));
+        fs::path const directory = scratch / (std::to_string(&way - kWays) + "-" + std::to_string(run));
         if (auto const sample = runOnce(directory, way)) {
             reportTimes.push_back(sample->reportMs);
             handlerTimes.push_back(sample->handlerMs);
+            endTimes.push_back(sample->endMs);
+            if (sample->afterHandlerMs) afterHandlerTimes.push_back(*sample->afterHandlerMs);
         }
     }
     std::printf("%s: %zu of %d runs\n", way.description, reportTimes.size(), runs);
     if (reportTimes.empty()) return false;
     char target[64] = "";
     std::snprintf(target, sizeof target, "target <= %.1f (native Release)", way.targetMs);
-    printFigures("fault -> report written", reportTimes, target);
+    bool const forReport = std::string(way.targetOf) == "report";
+    printFigures("fault -> report written", reportTimes, forReport ? target : "");
     printFigures("fault -> handler started", handlerTimes);
+    printFigures("fault -> process end", endTimes, forReport ? "" : target);
+    if (!afterHandlerTimes.empty()) printFigures("handler end -> process end", afterHandlerTimes);
     return reportTimes.size() == static_cast<std::size_t>(runs);
 }
 

@@ -1,8 +1,32 @@
 # The libraries the project builds on. Natively they come from Debian's
-# packages; for Windows from the cross-built cache that
-# scripts/setup/build-mingw-deps.sh fills (see the mingw toolchain file).
+# packages, but for log4cplus (below); for Windows from the cross-built cache
+# that scripts/setup/build-mingw-deps.sh fills (see the mingw toolchain file).
 find_package(Boost 1.81 CONFIG REQUIRED COMPONENTS thread system date_time regex)
-find_package(log4cplus CONFIG REQUIRED)
+# Natively, log4cplus is not Debian's: that one starts a pool of four threads
+# in a static initialiser, in every process that loads the library. The
+# native trees link the build without the pool that
+# scripts/setup/build-native-deps.sh puts into the cache.
+if(CMAKE_CROSSCOMPILING)
+    find_package(log4cplus CONFIG REQUIRED)
+else()
+    if(DEFINED ENV{NORVANE_CACHE_DIR} AND NOT "$ENV{NORVANE_CACHE_DIR}" STREQUAL "")
+        set(norvane_cache_dir "$ENV{NORVANE_CACHE_DIR}")
+    else()
+        set(norvane_cache_dir "$ENV{HOME}/.cache/norvane")
+    endif()
+    set(NORVANE_NATIVE_DEPS_PREFIX "${norvane_cache_dir}/native-deps"
+        CACHE PATH "Install prefix of the native log4cplus built without its thread pool")
+    # A tree configured before found Debian's and keeps it in its cache.
+    string(FIND "${log4cplus_DIR}" "${NORVANE_NATIVE_DEPS_PREFIX}/" norvane_in_prefix)
+    if(NOT norvane_in_prefix EQUAL 0)
+        unset(log4cplus_DIR CACHE)
+    endif()
+    find_package(log4cplus CONFIG QUIET PATHS "${NORVANE_NATIVE_DEPS_PREFIX}" NO_DEFAULT_PATH)
+    if(NOT log4cplus_FOUND)
+        message(FATAL_ERROR "log4cplus without its thread pool is not in ${NORVANE_NATIVE_DEPS_PREFIX}: "
+            "run scripts/setup/build-native-deps.sh")
+    endif()
+endif()
 find_package(Threads REQUIRED)
 
 if(NORVANE_BUILD_TESTS)

@@ -24,7 +24,8 @@ cd "$root"
 source scripts/lib/common.sh
 NORVANE_LOG_TAG=demo
 
-scripts/setup/install-packages.sh native
+scripts/setup/install-packages.sh native source
+scripts/setup/build-native-deps.sh
 norvane_log "building the library, the sample host and the reference handler (preset 'linux')"
 cmake --preset linux >/dev/null
 cmake --build --preset linux --target crash_host kelmur_feedback

@@ -17,7 +17,8 @@ NORVANE_LOG_TAG=fuzz
 seconds="${1:-60}"
 [[ "$seconds" =~ ^[0-9]+$ ]] || norvane_die "the time must be a number of seconds, got '$seconds'"
 
-scripts/setup/install-packages.sh native fuzz
+scripts/setup/install-packages.sh native fuzz source
+scripts/setup/build-native-deps.sh
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz
 

@@ -33,7 +33,9 @@ else
     scripts/format.sh --check >/dev/null || norvane_log "layout not enforced yet: going on"
 fi
 for preset in "${presets[@]}"; do
-    if [[ "$preset" == windows ]]; then
+    if [[ "$preset" != windows ]]; then
+        scripts/setup/build-native-deps.sh
+    else
         scripts/setup/build-mingw-deps.sh
         # Creating the Wine prefix takes longer than test discovery waits.
         cmake/wine-run.sh --prepare

@@ -15,23 +15,15 @@ set -euo pipefail
 script_dir="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 # shellcheck source-path=SCRIPTDIR source=../lib/common.sh
 source "$script_dir/../lib/common.sh"
+# shellcheck source-path=SCRIPTDIR source=../lib/debian-source.sh
+source "$script_dir/../lib/debian-source.sh"
 NORVANE_LOG_TAG=build-mingw-deps
 
 repo_root="$(cd "$script_dir/../.." && pwd)"
 toolchain="$repo_root/cmake/toolchains/mingw-w64-x86_64.cmake"
 self="$script_dir/$(basename "${BASH_SOURCE[0]}")"
 
-force=0
-for arg in "$@"; do
-    case "$arg" in
-        --force) force=1 ;;
-        -h | --help)
-            sed -n '2,/^set -e/{/^set -e/d;s/^# \{0,1\}//;p}' "$self"
-            exit 0
-            ;;
-        *) norvane_die "unknown argument '$arg' (try --help)" ;;
-    esac
-done
+read_build_arguments "$self" "$@"
 
 boost_src_pkg=boost1.81
 boost_version=1.81.0
@@ -46,7 +38,6 @@ prefix="$cache_dir/mingw-deps"
 stamp="$prefix/norvane-deps.stamp"
 downloads="$cache_dir/downloads"
 logs="$cache_dir/logs"
-deb_src_file=/etc/apt/sources.list.d/norvane-deb-src.sources
 
 [[ -f "$toolchain" ]] || norvane_die "toolchain file not found: $toolchain"
 
@@ -62,7 +53,7 @@ expected_stamp() {
     printf 'googletest=%s\n' "$gtest_pkg"
     printf 'g++-mingw-w64-x86-64-posix=%s\n' "$mingw_pkg"
     printf 'toolchain-sha256=%s\n' "$(sha256sum <"$toolchain" | cut -d' ' -f1)"
-    printf 'script-sha256=%s\n' "$(sha256sum <"$self" | cut -d' ' -f1)"
+    printf 'script-sha256=%s\n' "$(cat "$self" "$script_dir/../lib/debian-source.sh" | sha256sum | cut -d' ' -f1)"
 }
 
 stamp_is_current() {
@@ -119,120 +110,14 @@ cleanup() {
 trap cleanup EXIT
 trap 'norvane_die "interrupted"' INT TERM
 
-# Runs a step with its output in a log file; on failure shows the tail so
-# CI logs are useful without the cache directory.
-step() {
-    local name="$1"
-    shift
-    local log="$logs/$name.log" start
-    start="$(norvane_now)"
-    norvane_log "$name ..."
-    if ! "$@" >"$log" 2>&1; then
-        echo "----- last lines of $log -----" >&2
-        tail -n 40 "$log" >&2
-        echo "------------------------------" >&2
-        norvane_die "step '$name' failed (full log: $log)"
-    fi
-    norvane_log "$name done ($(norvane_elapsed "$start"))"
-}
-
 # ---------------------------------------------------------------- sources
 
-# Points the deb-src entry at the same mirror as the configured bookworm
-# binaries (falls back to the main archive), so it works wherever the
-# binary packages could be installed.
-write_deb_src_entry() {
-    local uri="" signed_by=""
-    local line
-    line="$(awk '
-        BEGIN { RS = ""; FS = "\n" }
-        {
-            types = suites = uris = signed = ""
-            for (i = 1; i <= NF; i++) {
-                if ($i ~ /^Types:/)     types  = " " substr($i, 7) " "
-                if ($i ~ /^Suites:/)    suites = " " substr($i, 8) " "
-                if ($i ~ /^URIs:/)      uris   = substr($i, 6)
-                if ($i ~ /^Signed-By:/) signed = substr($i, 11)
-            }
-            if (types ~ /[ \t]deb[ \t]/ && suites ~ /[ \t]bookworm[ \t]/ && uris != "") {
-                split(uris, u, " ")
-                gsub(/^[ \t]+|[ \t]+$/, "", signed)
-                print u[1] "\t" signed
-                exit
-            }
-        }' /etc/apt/sources.list.d/*.sources 2>/dev/null || true)"
-    if [[ -n "$line" ]]; then
-        uri="${line%%$'\t'*}"
-        signed_by="${line#*$'\t'}"
-    fi
-    uri="${uri:-http://deb.debian.org/debian}"
-    signed_by="${signed_by:-/usr/share/keyrings/debian-archive-keyring.gpg}"
-    norvane_log "adding $deb_src_file ($uri bookworm main)"
-    printf 'Types: deb-src\nURIs: %s\nSuites: bookworm\nComponents: main\nSigned-By: %s\n' \
-        "$uri" "$signed_by" | norvane_as_root tee "$deb_src_file" >/dev/null
-}
-
-apt_updated=0
-apt_update() {
-    step apt-update norvane_as_root env DEBIAN_FRONTEND=noninteractive apt-get -q update
-    apt_updated=1
-}
-
-if [[ ! -f "$deb_src_file" ]]; then
-    write_deb_src_entry
-    apt_update
-fi
-
-# Prints the .dsc file name apt would fetch for a source package.
-dsc_name() {
-    apt-get -q --print-uris source "$1" 2>/dev/null |
-        awk '$1 ~ /\.dsc.$/ { print $2; exit }'
-}
-
-# Sets fetched_dsc to the .dsc of the downloaded source package. Not run in
-# a command substitution: apt_update must be able to record that it ran.
-fetched_dsc=""
-fetch_source() {
-    local pkg="$1" dsc
-    dsc="$(dsc_name "$pkg")"
-    if [[ -z "$dsc" && $apt_updated -eq 0 ]]; then
-        # The entry exists but this machine never fetched its index.
-        apt_update
-        dsc="$(dsc_name "$pkg")"
-    fi
-    [[ -n "$dsc" ]] || norvane_die "apt knows no source package '$pkg' (is $deb_src_file set up?)"
-    # apt skips files that are already present with the right checksum.
-    # Running as root, apt would drop to its sandbox user, which cannot
-    # write into a directory under root's home; it only warns, but noisily.
-    # shellcheck disable=SC2016  # expanded by the inner bash
-    step "fetch-$pkg" bash -c 'cd "$1" && apt-get -q -o APT::Sandbox::User=root source --download-only "$2"' \
-        _ "$downloads" "$pkg"
-    [[ -f "$downloads/$dsc" ]] || norvane_die "apt-get source $pkg did not produce $dsc"
-    fetched_dsc="$dsc"
-}
-
-# Debian version (e.g. 1.81.0-5+deb12u1) -> upstream (1.81.0).
-upstream_of_dsc() {
-    local v
-    v="$(sed -n 's/^Version: //p' "$1" | head -n1)"
-    v="${v#*:}"
-    printf '%s\n' "${v%-*}"
-}
-
+ensure_deb_src_entry
 norvane_log "fetching sources into $downloads"
-fetch_source "$boost_src_pkg"
+fetch_and_extract "$boost_src_pkg" "$boost_version" "$work/boost"
 boost_dsc="$fetched_dsc"
-fetch_source "$log4cplus_src_pkg"
+fetch_and_extract "$log4cplus_src_pkg" "$log4cplus_version" "$work/log4cplus"
 log4cplus_dsc="$fetched_dsc"
-
-for pair in "$boost_dsc:$boost_version" "$log4cplus_dsc:$log4cplus_version"; do
-    dsc="${pair%%:*}" want="${pair#*:}"
-    got="$(upstream_of_dsc "$downloads/$dsc")"
-    [[ "$got" == "$want" ]] || norvane_die "$dsc is upstream $got, expected $want; update this script deliberately"
-done
-
-step extract-boost dpkg-source --no-copy -x "$downloads/$boost_dsc" "$work/boost"
-step extract-log4cplus dpkg-source --no-copy -x "$downloads/$log4cplus_dsc" "$work/log4cplus"
 
 # ------------------------------------------------------------------ build
 
@@ -322,19 +207,8 @@ mv "$work/boost" "$work/trash-boost"
 rm -rf "$work/trash-boost" &
 trash_pid=$!
 
-# Plain library name (no S/U decoration) so the exported target is
-# log4cplus::log4cplus, the same name Debian's native package exports.
-# No thread pool: it serves only asynchronous appenders, and its four
-# threads, started at initialisation inside our DLL, are joined by a static
-# destructor at DLL unload, which never returns once process exit has taken
-# the threads away.
-build_and_install log4cplus "$work/log4cplus" \
-    -DUNICODE=ON \
-    -DLOG4CPLUS_ENABLE_THREAD_POOL=OFF \
-    -DLOG4CPLUS_BUILD_TESTING=OFF \
-    -DLOG4CPLUS_BUILD_LOGGINGSERVER=OFF \
-    -DWITH_UNIT_TESTS=OFF \
-    -DLOG4CPLUS_ENABLE_DECORATED_LIBRARY_NAME=OFF
+# Wide text, as the Windows build logs wide strings.
+build_and_install log4cplus "$work/log4cplus" -DUNICODE=ON "${log4cplus_cmake_args[@]}"
 
 build_and_install googletest "$gtest_src" \
     -DBUILD_GMOCK=ON \

@@ -180,7 +180,9 @@ TEST(CrashOutcome, ExitInsideTheShutdownCallbackEndsWithExitCode3) {
     EXPECT_EQ(run.readReport().getException().code, 0xC0000005u);
 }
 
-TEST(CrashOutcome, ResetLeavesNoThreadOfTheLibrary) {
+// The host has loaded the library before main(); until install only its own
+// thread runs.
+TEST(CrashOutcome, LoadingStartsNoThreadAndResetLeavesNone) {
     CrashRun run;
     norvane_test::ChildOutcome const outcome = run.run("reset-threads");
     ASSERT_TRUE(outcome.finished && outcome.exited && outcome.exitCode == 0) << norvane_test::describe(outcome);
@@ -190,6 +192,9 @@ TEST(CrashOutcome, ResetLeavesNoThreadOfTheLibrary) {
                                   std::regex("before install: (\\d+)\\s+threads after install: (\\d+)\\s+"
                                              "threads after reset: (\\d+)")))
         << output;
+#if !defined(NORVANE_THREAD_SANITIZER)  // whose run-time has a thread of its own
+    EXPECT_EQ(counts[1], "1") << "loading the library started a thread";
+#endif
     EXPECT_GT(std::stoi(counts[2]), std::stoi(counts[1])) << "install started no thread: the count is wrong";
     EXPECT_EQ(counts[3], counts[1]);
 }

@@ -4,6 +4,7 @@
 #include "crash_dump.h"
 
 #include "context_windows.h"
+#include "scoped_handle_windows.h"
 
 #include <windows.h>
 #include <dbghelp.h>
@@ -40,21 +41,19 @@ MINIDUMP_TYPE dumpTypeOf(std::uint32_t dumpMemory) {
 
 std::string writeCrashDump(DumpRequest const& request) {
     if (request.path.empty()) return "the report names no dump file";
-    HANDLE const process = ::OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, request.processId);
-    if (process == nullptr) return failure("the process can't be opened");
-    HANDLE const file = ::CreateFileW(request.path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) {
-        std::string const why = failure("the dump file can't be created");
-        ::CloseHandle(process);
-        return why;
-    }
+    norvane_1::ScopedHandle const process(
+        ::OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, request.processId));
+    if (!process.valid()) return failure("the process can't be opened");
+    norvane_1::ScopedFileHandle file(
+        ::CreateFileW(request.path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file.valid()) return failure("the dump file can't be created");
     FaultPointers fault(request);
-    bool const written = ::MiniDumpWriteDump(process, request.processId, file, dumpTypeOf(request.dumpMemory),
+    bool const written = ::MiniDumpWriteDump(process.get(), request.processId, file.get(), dumpTypeOf(request.dumpMemory),
                                              request.threadId != 0 ? &fault.information : nullptr, nullptr, nullptr);
-    std::string const why = written ? std::string() : failure("the debug-help library could not write the dump");
-    ::CloseHandle(file);
-    ::CloseHandle(process);
-    if (!written) ::DeleteFileW(request.path.c_str());
+    if (written) return std::string();
+    std::string const why = failure("the debug-help library could not write the dump");
+    file.reset();  // closed before it is deleted
+    ::DeleteFileW(request.path.c_str());
     return why;
 }
 

@@ -4,6 +4,7 @@
 #include "outside_stacks.h"
 
 #include "context_windows.h"
+#include "scoped_handle_windows.h"
 
 #include <windows.h>
 #include <dbghelp.h>
@@ -15,20 +16,8 @@ namespace {
 constexpr int kMostFrames = 256;
 constexpr DWORD kThreadAccess = THREAD_SUSPEND_RESUME | THREAD_GET_CONTEXT | THREAD_QUERY_INFORMATION;
 
-class ScopedHandle {
-public:
-    explicit ScopedHandle(HANDLE handle) : m_handle(handle) {}
-    ~ScopedHandle() {
-        if (m_handle != nullptr && m_handle != INVALID_HANDLE_VALUE) ::CloseHandle(m_handle);
-    }
-    ScopedHandle(ScopedHandle const&) = delete;
-    ScopedHandle& operator=(ScopedHandle const&) = delete;
-    HANDLE get() const { return m_handle; }
-    bool valid() const { return m_handle != nullptr && m_handle != INVALID_HANDLE_VALUE; }
-
-private:
-    HANDLE m_handle;
-};
+using norvane_1::ScopedFileHandle;
+using norvane_1::ScopedHandle;
 
 // The walker's symbol handler for the process, for as long as it lives.
 class SymbolSession {
@@ -68,7 +57,7 @@ private:
 
 std::vector<DWORD> threadsOf(DWORD processId) {
     std::vector<DWORD> threads;
-    ScopedHandle const snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+    ScopedFileHandle const snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
     if (!snapshot.valid()) return threads;
     THREADENTRY32 entry{};
     entry.dwSize = sizeof entry;

@@ -140,47 +140,17 @@ public:
     void setReportPath(std::wstring const& path);
     wchar_t const* getReportPath() const;
 
-protected:
-    // Section text.
-    std::wstring::const_iterator findNextSection(std::wstring::const_iterator start,
-                                                 std::wstring& name, std::wstring& text,
-                                                 std::wstring const& reportText);
-    std::wstring getSection(std::wstring const& name, std::wstring const& reportText) const;
-
-    // Problem sections.
-    std::wstring processExceptionToString() const;
-    void processStringToException(std::wstring const& text);
-    std::wstring processAssertionToString() const;
-    void processStringToAssertion(std::wstring const& text);
-    std::wstring processProcessDumpToString() const;
-    void processStringToProcessDump(std::wstring const& text);
-    void processBitnessToString(StringMap& keys) const;
-    void processStringToBitness(StringMap const& keys);
-
-    // Context, stack and module sections.
-    void processContextsToString();
-    void processStringToContexts();
-    void processStacksToString();
-    void processStringToStacks();
-    void processModuleMapToSections();
-    void parseModuleMap();
-    std::wstring guidToString(Guid const& guid) const;
-    Guid stringToGuid(std::wstring const& text) const;
-
-    // Application properties as key text.
-    std::wstring processPropertiesToString() const;
-
-    bool removeModule(ModuleInfo const& module);
+private:
+    // Reads the three problem sections into their records and the facts they
+    // share.
+    void readProblemSections();
     // After the list has shrunk from `formerCount` records to `count`: drops
     // the sections of the positions gone and makes both indexes anew.
     void forgetModulesFrom(std::size_t count, std::size_t formerCount);
-    // The module whose Base..End (End included) holds the address; empty if none.
-    gavrel2::path_t getModulePath(std::uint64_t address) const;
+    void indexModules();
 
-private:
     StringMap m_dumpValues;
     std::wstring m_productInfo;
-    std::wstring m_reportText;
     RawStackMap m_stackMap;
     CleanStackMap m_stackFramesMap;
     ContextMap m_contextMap;

@@ -1,5 +1,4 @@
-// The loggers of the four source groups, made when the library is loaded.
-// Portable code only.
+// The loggers of the four source groups, made at install. Portable code only.
 #include "logging.h"
 
 #include <norvane_log/component_logger.h>
@@ -15,18 +14,14 @@ log4cplus::Logger makeComponentLogger(log4cplus::tstring const& name) {
     return log4cplus::Logger::getInstance(name);
 }
 
-// Touching every logger at load makes their set-up happen before any thread
-// of the host can reach the library, and never on a crashed thread.
-struct LoadTimeSetUp {
-    LoadTimeSetUp() {
-        mainLogger();
-        internalLogger();
-        platformLogger();
-        prsLogger();
-    }
-} const g_loadTimeSetUp;
-
 }  // namespace
+
+void prepareLoggers() {
+    mainLogger();
+    internalLogger();
+    platformLogger();
+    prsLogger();
+}
 
 log4cplus::Logger& mainLogger() {
     static log4cplus::Logger logger = makeComponentLogger(LOG4CPLUS_TEXT("norvaneminidump.main"));

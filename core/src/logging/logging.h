@@ -1,7 +1,8 @@
 // Log lines of the library. Portable code only.
 //
-// Each source group logs to its own logger; the loggers are made once, when
-// the library is loaded. Logging decides nothing: a line is built only when
+// Each source group logs to its own logger; the loggers are made once, at
+// install (prepareLoggers), or at their first use by a program that never
+// installs. Logging decides nothing: a line is built only when
 // its level is enabled, and no result of logging is ever looked at.
 //
 //   NORVANE_LOG_INFO(log::prsLogger(), L"Input module map size: " << count);
@@ -21,6 +22,13 @@ log4cplus::Logger& mainLogger();      // "norvaneminidump.main"
 log4cplus::Logger& internalLogger();  // "norvaneminidump.internal"
 log4cplus::Logger& platformLogger();  // "norvaneminidump.windows"
 log4cplus::Logger& prsLogger();       // "norvaneminidump.prs"
+
+// Makes all four loggers, and with them log4cplus's own state. Not done at
+// load, where it would cost every program that loads the library and never
+// installs well over a megabyte of memory (the logging library and the C++
+// streams and locales it sets up); done at install, so that a crash never
+// makes them on the crashed thread.
+void prepareLoggers();
 
 // The logger's own character type: wide text is passed through where log4cplus
 // is built for Unicode and converted to UTF-8 where it is not.

@@ -31,9 +31,11 @@ void destroyHandlerObject() {
 // handling off the process before the library goes, or, with a crash in
 // progress, waits for it to end the process. Static objects the worker uses
 // are made before the destruction is registered: exit() destroys them after
-// it, never under a worker still writing the report.
+// it, never under a worker still writing the report. The loggers too, so the
+// remove step at exit can still log.
 ActualExceptionHandler& handlerObject() {
     if (g_handlerObject == nullptr) {
+        log::prepareLoggers();
         internal::prepareReportText();
         ostrel2::IProductLocations::get();
         g_handlerObject = new ActualExceptionHandler();

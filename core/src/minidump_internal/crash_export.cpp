@@ -4,12 +4,15 @@
 #include <norvane_1/handler_state.h>
 #include <norvane_1/string_traits.h>
 
+#include "crash_work.h"
 #include "exception_names.h"
-#include "log_directory.h"
+#include "minidump_problem_report_storage/custom_section_list.h"
+#include "minidump_problem_report_storage/log_directory.h"
 #include "uncaught_exception.h"
 #include "os_layer/text_files.h"
 
 #include <gavrel2/environment.h>
+#include <gavrel2/path.h>
 #include <vantix_2_18/utf.h>
 
 #include <boost/thread/mutex.hpp>
@@ -47,6 +50,10 @@ void addUncaughtException(ProblemReportStorage& report, Exception const& excepti
     report.setSection(L"UncaughtException", processMapToSection(keys));
 }
 
+// The directory whose custom-section list the worker has put the creation
+// log into.
+std::wstring g_creationLogListedIn;
+
 void writeReport(std::wstring const& path, std::string const& utf8Text) {
     std::ofstream out;
     os_layer::openTextFile(out, path, std::ios::out | std::ios::trunc);
@@ -55,6 +62,13 @@ void writeReport(std::wstring const& path, std::string const& utf8Text) {
 }
 
 }  // namespace
+
+void listCreationLog(std::wstring const& directory) {
+    if (directory.empty() || !gavrel2::get_environ_value(L"NORVANE1_NO_CREATION_LOG").empty()) return;
+    if (directory == g_creationLogListedIn && gavrel2::path_t::exists(directory + internal::kCustomSectionListName)) return;
+    addCrashReportCustomSection(L"CreationLog", directory + L"norvane_creation_log.txt", nullptr);
+    g_creationLogListedIn = directory;
+}
 
 bool HandlerState::initInfoPaths() {
     std::wstring const directory = logDirectory();
@@ -66,9 +80,9 @@ bool HandlerState::initInfoPaths() {
     m_dumpInfo.crashedThreadId = 0;
     m_dumpInfo.moduleMapProcessId = 0;
     m_storage.setReportPath(directory);
-    if (gavrel2::get_environ_value(L"NORVANE1_NO_CREATION_LOG").empty()) {
-        addCrashReportCustomSection(L"CreationLog", directory + L"norvane_creation_log.txt", nullptr);
-    }
+    // Done at the worker's start already, unless the directory or the list
+    // is new since then.
+    listCreationLog(directory);
     return true;
 }
 

@@ -5,7 +5,7 @@
 #include <norvane_1/handler_state.h>
 
 #include "crash_work.h"
-#include "log_directory.h"
+#include "minidump_problem_report_storage/log_directory.h"
 #include "logging/logging.h"
 #include "process_globals.h"
 

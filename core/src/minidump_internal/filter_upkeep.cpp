@@ -3,8 +3,10 @@
 //
 // The hooks are set anew every second rather than once, so that a host or a
 // third-party library that installs its own filter or signal handler later
-// loses it to ours within a second. The thread sleeps on a condition between
-// passes; a stop request wakes it at once.
+// loses it to ours within a second. That pass runs for the life of the
+// process, so it costs what setting the hooks costs and nothing more: no
+// allocation, no lock, no clock read, and one system call to sleep, on the
+// stop flag itself (platform.h), which a stop request sets and wakes at once.
 #include <norvane_1/exception_handler.h>
 #include <norvane_1/handler_state.h>
 
@@ -23,6 +25,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <future>
 #include <memory>
 
@@ -30,16 +33,16 @@
 namespace norvane_1 {
 namespace {
 
-constexpr long kUpkeepPeriodMilliseconds = 1000;
+constexpr std::uint32_t kUpkeepPeriodMilliseconds = 1000;
 constexpr int kFirstPassWaitSeconds = 5;
 constexpr wchar_t kAssertLibraryName[] = L"kelmur_norvane_assert_1.19";
 
 // Trivially destructible: it is still read when the library leaves the
 // process, after static objects may have been destroyed.
 std::atomic<boost::thread*> g_filterThread{nullptr};
-std::atomic<bool> g_filterThreadStop{false};
+std::atomic<std::uint32_t> g_filterThreadStop{0};
+// Held while the thread is being started; see startFilterUpkeep.
 boost::mutex g_filterMutex;
-boost::condition_variable_any g_filterCondition;
 gavrel2::shared_lib_t g_assertLibrary;
 
 // Tells the install step that the first pass has set the hooks.
@@ -51,15 +54,15 @@ public:
         : m_exceptionHandler(handler), m_firstPass(std::move(firstPass)) {}
 
     void operator()() {
-        boost::unique_lock<boost::mutex> lock(g_filterMutex);
-        while (!g_filterThreadStop) {
+        { boost::lock_guard<boost::mutex> knownToTheStopStep(g_filterMutex); }
+        while (g_filterThreadStop == 0) {
             g_exceptionHandler = m_exceptionHandler;
             platform::setProcessHooks();
             if (m_firstPass) {
                 m_firstPass->set_value();
                 m_firstPass.reset();
             }
-            g_filterCondition.timed_wait(lock, boost::posix_time::milliseconds(kUpkeepPeriodMilliseconds));
+            platform::sleepUnlessStopped(g_filterThreadStop, kUpkeepPeriodMilliseconds);
         }
     }
 
@@ -156,22 +159,16 @@ void stopFilterUpkeep() {
     // nothing left to do.
     boost::thread* const thread = g_filterThread.exchange(nullptr);
     if (thread == nullptr) return;
-    g_filterThreadStop = true;
+    // The thread either tests the flag before it sleeps again or is asleep
+    // on it and woken: the stop takes effect at once, never a period later.
+    g_filterThreadStop = 1;
     if (thread->get_id() != boost::this_thread::get_id()) {
-        // Passing through the mutex means the thread is either asleep on the
-        // condition, and the notification reaches it, or has yet to test the
-        // flag: the stop takes effect at once, never a period later. At
-        // process exit the thread may have been ended holding the mutex, so
-        // the notification goes out bare then.
-        if (!g_processExiting) {
-            boost::lock_guard<boost::mutex> passThrough(g_filterMutex);
-        }
-        g_filterCondition.notify_one();
+        platform::wakeUpkeepSleep(g_filterThreadStop);
         thread->join();
     }
     thread->detach();
     delete thread;
-    g_filterThreadStop = false;
+    g_filterThreadStop = 0;
 }
 
 void removeCrashHandling() {

@@ -11,14 +11,19 @@
 // waits for the exit flag to fall, wakes. m_lock is kept for getLock().
 #include <norvane_1/crash_handling.h>
 #include <norvane_1/handler_state.h>
+#include <norvane_1/os_layer.h>
 
 #include "crash_stages.h"
+#include "crash_work.h"
+#include "minidump_problem_report_storage/log_directory.h"
 #include "platform.h"
 #include "process_globals.h"
 
 #include <gavrel2/environment.h>
 
 #include <boost/thread.hpp>
+
+#include <cstdlib>
 
 namespace norvane_1 {
 namespace {
@@ -62,8 +67,19 @@ bool HandlerState::init() {
     return true;
 }
 
+void prepareCrashWork() {
+    // glibc gives a thread its heap arena at its first allocation, and
+    // mapping one is a good part of a millisecond; the volatile keeps the
+    // compiler from dropping the pair.
+    void* volatile block = std::malloc(64);
+    std::free(block);
+    static_cast<void>(os_layer::getTimeStamp());
+    listCreationLog(logDirectory());
+}
+
 void HandlerState::operator()() {
     g_workerThreadId = platform::currentThreadId();
+    prepareCrashWork();
     for (;;) {
         // The flags are read under the lock only: the crashed thread and the
         // remove step set them from their own threads.

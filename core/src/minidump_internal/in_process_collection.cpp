@@ -10,6 +10,7 @@
 #include <norvane_1/module_map.h>
 
 #include "logging/logging.h"
+#include "module_map/module_scan.h"
 #include "module_map/stack_capture.h"
 #include "os_layer/text_files.h"
 
@@ -64,9 +65,12 @@ bool HandlerState::inProcessStackCollect(DumpInfo& info) {
     if (!map) return false;
     record(L"Loading module map...");
 
-    // 4.-6. This process's modules, all of them for now.
+    // 4.-6. This process's modules, all of them for now. On Linux the
+    // regions are one snapshot of the mappings, which the stack's scan
+    // below reads too.
     m_storage.clearModuleInfo();
-    if (!loadModuleMap(map.get(), 0)) {
+    std::unique_ptr<RegionSource> const regions = openRegionSourceOrNone(0);
+    if (!regions || !loadModuleMap(map.get(), *regions)) {
         record(L"Failed to load module map, aborting...");
         return false;
     }
@@ -79,7 +83,7 @@ bool HandlerState::inProcessStackCollect(DumpInfo& info) {
     info.exception.module = moduleNameAt(m_storage, info.exception.address);
 
     // 8. The stack, and the list pruned to what it passes through.
-    if (!collectThreadStack(info, m_context, map.get(), m_storage)) {
+    if (!collectThreadStack(info, m_context, map.get(), *regions, m_storage)) {
         record(L"In-proc stack collect failed");
         return false;
     }

@@ -9,7 +9,7 @@
 #include <norvane_1/handler_state.h>
 #include <norvane_1/os_layer.h>
 
-#include "minidump_internal/log_directory.h"
+#include "minidump_problem_report_storage/log_directory.h"
 #include "minidump_internal/platform.h"
 
 #include <gavrel2/environment.h>

@@ -5,6 +5,7 @@
 
 #include <norvane_1/exception_data.h>
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -21,6 +22,13 @@ namespace platform {
 // idempotent.
 void setProcessHooks();
 void resetProcessHooks();
+// The hook upkeep thread's sleep between its passes: returns once
+// `milliseconds` have passed, or as soon as `stop` is not 0 and
+// wakeUpkeepSleep has been called on it; a stop set before the sleep makes it
+// return at once. It may also return early, for a signal. One system call,
+// no allocation and no clock read, as it runs every second.
+void sleepUnlessStopped(std::atomic<std::uint32_t> const& stop, std::uint32_t milliseconds);
+void wakeUpkeepSleep(std::atomic<std::uint32_t>& stop);
 // While a crash is handled, in place of the hooks: a later fault on another
 // thread is held by holdLateFault() and then goes to the system's default
 // handling. Each replaces its process hook directly, so that at no moment is

@@ -3,7 +3,7 @@
 #include <norvane_1/handler_state.h>
 #include <norvane_1/os_layer.h>
 
-#include "log_directory.h"
+#include "minidump_problem_report_storage/log_directory.h"
 #include "os_layer/text_files.h"
 
 #include <gavrel2/path.h>

@@ -16,7 +16,7 @@
 // clients while one is served, as the next pipe instance does on Windows.
 #include "minidump_internal/task_channel.h"
 
-#include "scoped_descriptor.h"
+#include "scoped_descriptor_posix.h"
 
 #include <fcntl.h>
 #include <poll.h>

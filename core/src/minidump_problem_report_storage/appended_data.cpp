@@ -1,30 +1,35 @@
-// Data a report carries beyond the crash itself: the premortal log and the
-// host's application properties. Portable code only.
-#include <norvane_1/problem_report_storage.h>
+// Data a report carries beyond the crash itself: the host's application
+// properties and the memory figure. Portable code only; no I/O.
+#include "appended_data.h"
+
 #include <norvane_1/string_traits.h>
 
+#include <boost/lexical_cast.hpp>
+
+#include <cmath>
+
 namespace norvane_1 {
+namespace internal {
 
-void ProblemReportStorage::addPremortalLog(std::vector<std::wstring> const& lines) {
-    m_premortalLog.clear();
-    for (auto const& line : lines) {
-        m_premortalLog += line;
-        m_premortalLog += L'\n';
-    }
-}
-
-void ProblemReportStorage::setAppPropertyPool(AppPropertyPool const& pool) {
-    if (&pool == &m_appPropertyPool) return;
-    m_appPropertyPool = pool;
-}
-
-std::wstring ProblemReportStorage::processPropertiesToString() const {
-    if (m_appPropertyPool.empty()) return std::wstring();
+std::wstring propertiesSectionText(AppPropertyPool const& pool) {
+    if (pool.empty()) return std::wstring();
     StringMap keys;
-    for (auto const& property : m_appPropertyPool) {
+    for (auto const& property : pool) {
         keys[property.first] = gavrel2::get_value_string(property.second).as_wstring();
     }
     return processMapToSection(keys);
 }
 
+bool virtualMemoryFootprint(std::wstring const& processSection, std::uint64_t& value) {
+    StringMap process;
+    processSectionToMap(processSection, process, {});
+    std::wstring size = get(process, L"Virtual Memory Size");
+    if (size.empty()) return false;
+    if (size.back() == L'K') size.pop_back();
+    double const kilobytes = boost::lexical_cast<double>(size);
+    value = static_cast<std::uint64_t>(std::floor(kilobytes / 10000.0 + 0.5));
+    return true;
+}
+
+}  // namespace internal
 }  // namespace norvane_1

@@ -1,6 +1,7 @@
 // "Context.0x<thread id>" sections: the 17 saved registers of a thread.
-// Portable code only.
-#include <norvane_1/problem_report_storage.h>
+// Portable code only; no I/O.
+#include "context_sections.h"
+
 #include <norvane_1/string_traits.h>
 
 #include "hex_text.h"
@@ -9,6 +10,7 @@
 #include <string_view>
 
 namespace norvane_1 {
+namespace internal {
 namespace {
 
 struct RegisterKey {
@@ -35,7 +37,7 @@ std::wstring contextToKeyText(Context const& context) {
     for (auto const& reg : kRegisters) {
         text += reg.name;
         text += L": ";
-        internal::appendAddress(text, context.*reg.field);
+        appendAddress(text, context.*reg.field);
         text += L'\n';
     }
     return text;
@@ -45,28 +47,28 @@ std::wstring contextToKeyText(Context const& context) {
 std::uint32_t threadIdOfSection(std::wstring const& name) {
     auto const dot = name.find(L'.');
     if (dot == std::wstring::npos || dot == 0 || dot + 1 == name.size()) return 0;
-    return internal::parseHex32(internal::trim(name.substr(dot + 1)));
+    return parseHex32(trim(name.substr(dot + 1)));
 }
 
 }  // namespace
 
-void ProblemReportStorage::processContextsToString() {
-    for (auto const& entry : m_contextMap) {
-        m_sections[std::wstring(kPrefix) + L"." + internal::threadIdToString(entry.first)] =
+void writeContextSections(ContextMap const& contexts, StringMap& sections) {
+    for (auto const& entry : contexts) {
+        sections[std::wstring(kPrefix) + L"." + threadIdToString(entry.first)] =
             contextToKeyText(entry.second);
     }
 }
 
-void ProblemReportStorage::processStringToContexts() {
-    for (auto const& section : m_sections) {
-        // Only the beginning is tested: "ContextX" counts as well.
+void readContextSections(StringMap const& sections, ContextMap& contexts) {
+    for (auto const& section : sections) {
         if (section.first.compare(0, kPrefix.size(), kPrefix) != 0) continue;
         StringMap keys;
         processSectionToMap(section.second, keys, {});
         Context context;
-        for (auto const& reg : kRegisters) context.*reg.field = internal::parseHex64(get(keys, reg.name));
-        m_contextMap[threadIdOfSection(section.first)] = context;
+        for (auto const& reg : kRegisters) context.*reg.field = parseHex64(get(keys, reg.name));
+        contexts[threadIdOfSection(section.first)] = context;
     }
 }
 
+}  // namespace internal
 }  // namespace norvane_1

@@ -1,23 +1,24 @@
 // The debug facts of the report's modules, read from their files.
 // Portable code only.
-#include <norvane_1/crash_handling.h>
+#include "report_enrichment.h"
+
 #include <norvane_1/dbghelp.h>
-#include <norvane_1/problem_report_storage.h>
 
 #include "logging/logging.h"
+#include "report_progress.h"
 
 namespace norvane_1 {
+namespace internal {
 
-bool ProblemReportStorage::updateModuleMap() {
+bool readDebugIdentities(ModuleInfoList& modules, wchar_t const* reportPath) {
     NORVANE_LOG_INFO(log::prsLogger(), L"Update module map");
-    addCreationLogRecord("norvane_1::ProblemReportStorage::updateModuleMap", L"Updating module map...",
-                         getReportPath());
+    recordProgress("norvane_1::ProblemReportStorage::updateModuleMap", L"Updating module map...", reportPath);
     DbgHelp help;
     if (!help.initialize(nullptr)) {
         NORVANE_LOG_ERROR(log::prsLogger(), L"Failed to initialize symbol server, exit");
         return false;
     }
-    for (auto& module : m_moduleInfo) {
+    for (auto& module : modules) {
         DbgHelpFileInfo info;
         if (!help.getFileIndexInfo(module.FullName, info)) continue;
         module.SymbolName = info.debugFile;
@@ -30,4 +31,5 @@ bool ProblemReportStorage::updateModuleMap() {
     return true;
 }
 
+}  // namespace internal
 }  // namespace norvane_1

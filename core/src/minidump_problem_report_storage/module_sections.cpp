@@ -1,18 +1,19 @@
 // "Module000", "Module001", ... sections: one per record of the module list.
-// Portable code only.
+// Portable code only; no I/O.
 //
 // The position in the list is the only link between a section and a record,
 // so the list is read from position 0 up to the first missing name.
-#include <norvane_1/problem_report_storage.h>
+#include "module_sections.h"
+
 #include <norvane_1/string_traits.h>
 
 #include "key_text.h"
-#include "module_section_names.h"
 
 #include <iomanip>
 #include <sstream>
 
 namespace norvane_1 {
+namespace internal {
 namespace {
 
 using string_traits::addrToString;
@@ -20,22 +21,21 @@ using string_traits::stringToAddr;
 
 // "Timestamp" stands twice, and "Checksum" is a key no writer puts in: such a
 // line still ends the value above it.
-internal::KnownKeys const& moduleKeys() {
-    static internal::KnownKeys const keys({L"Base", L"Begin", L"End", L"FullName", L"SymbolName",
-                                           L"Timestamp", L"Size", L"Guid", L"Age", L"Timestamp",
-                                           L"Checksum"});
+KnownKeys const& moduleKeys() {
+    static KnownKeys const keys({L"Base", L"Begin", L"End", L"FullName", L"SymbolName", L"Timestamp",
+                                 L"Size", L"Guid", L"Age", L"Timestamp", L"Checksum"});
     return keys;
 }
 
 }  // namespace
 
-std::wstring internal::moduleSectionName(std::size_t position) {
+std::wstring moduleSectionName(std::size_t position) {
     std::wostringstream name;
     name << L"Module" << std::setfill(L'0') << std::setw(3) << position;
     return name.str();
 }
 
-std::wstring ProblemReportStorage::guidToString(Guid const& guid) const {
+std::wstring guidToString(Guid const& guid) {
     std::wostringstream text;
     text << std::hex << std::setfill(L'0') << std::setw(8) << guid.Data1 << L'-' << std::setw(4)
          << guid.Data2 << L'-' << std::setw(4) << guid.Data3 << L'-';
@@ -46,7 +46,7 @@ std::wstring ProblemReportStorage::guidToString(Guid const& guid) const {
     return text.str();
 }
 
-Guid ProblemReportStorage::stringToGuid(std::wstring const& text) const {
+Guid stringToGuid(std::wstring const& text) {
     Guid guid;
     if (text.size() != 36) return guid;
     std::wistringstream in(text);
@@ -68,9 +68,9 @@ Guid ProblemReportStorage::stringToGuid(std::wstring const& text) const {
     return guid;
 }
 
-void ProblemReportStorage::processModuleMapToSections() {
-    for (std::size_t position = 0; position < m_moduleInfo.size(); ++position) {
-        ModuleInfo const& module = m_moduleInfo[position];
+void writeModuleSections(ModuleInfoList const& modules, StringMap& sections) {
+    for (std::size_t position = 0; position < modules.size(); ++position) {
+        ModuleInfo const& module = modules[position];
         StringMap keys;
         keys[L"Age"] = addrToString(module.Age);
         keys[L"Base"] = addrToString(module.Base);
@@ -81,18 +81,15 @@ void ProblemReportStorage::processModuleMapToSections() {
         keys[L"Size"] = addrToString(module.Size);
         keys[L"SymbolName"] = string_traits::encodeString(module.SymbolName);
         keys[L"Timestamp"] = addrToString(module.Timestamp);
-        m_sections[internal::moduleSectionName(position)] = processMapToSection(keys);
+        sections[moduleSectionName(position)] = processMapToSection(keys);
     }
 }
 
-void ProblemReportStorage::parseModuleMap() {
-    m_moduleInfo.clear();
-    m_moduleAddressIndex.clear();
-    m_moduleNameIndex.clear();
-    if (m_sections.empty()) return;
+ModuleInfoList readModuleSections(StringMap const& sections) {
+    ModuleInfoList modules;
     for (std::size_t position = 0;; ++position) {
-        auto const section = m_sections.find(internal::moduleSectionName(position));
-        if (section == m_sections.end()) return;
+        auto const section = sections.find(moduleSectionName(position));
+        if (section == sections.end()) return modules;
         StringMap keys;
         moduleKeys().read(section->second, keys);
         ModuleInfo module;
@@ -105,10 +102,9 @@ void ProblemReportStorage::parseModuleMap() {
         module.Size = stringToAddr(get(keys, L"Size"));
         module.SymbolName = string_traits::decodeString(get(keys, L"SymbolName"));
         module.Timestamp = stringToAddr(get(keys, L"Timestamp"));
-        m_moduleAddressIndex[module.Begin] = position;
-        m_moduleNameIndex[module.FullName] = position;
-        m_moduleInfo.push_back(module);
+        modules.push_back(module);
     }
 }
 
+}  // namespace internal
 }  // namespace norvane_1

@@ -1,11 +1,13 @@
 // Keeping the module list of a report: pruning it to the modules the stacks
 // pass through, and finding a module by address or name. Portable code only.
-#include <norvane_1/crash_handling.h>
 #include <norvane_1/module_map.h>
 #include <norvane_1/problem_report_storage.h>
 
 #include "logging/logging.h"
-#include "module_section_names.h"
+#include "module_sections.h"
+#include "report_progress.h"
+
+#include <gavrel2/path.h>
 
 #include <algorithm>
 #include <iterator>
@@ -28,6 +30,15 @@ bool stacksPassThrough(ModuleInfo const& module, CleanStackMap const& clean, Raw
         }
     }
     return false;
+}
+
+// The first module whose Base..End, End included, holds the address; an
+// empty path if none does.
+gavrel2::path_t modulePathOf(ModuleInfoList const& modules, std::uint64_t address) {
+    for (auto const& module : modules) {
+        if (module.Base <= address && module.End >= address) return gavrel2::path_t(module.FullName);
+    }
+    return gavrel2::path_t();
 }
 
 }  // namespace
@@ -59,8 +70,8 @@ void ProblemReportStorage::addModuleInfo(MinidumpAddressRange const* range, bool
 bool ProblemReportStorage::SyncModuleMapWithStackMap() {
     auto& logger = log::prsLogger();
     NORVANE_LOG_INFO(logger, L"Sync-up module map with current stack map");
-    addCreationLogRecord("norvane_1::ProblemReportStorage::SyncModuleMapWithStackMap",
-                         L"Sync-up module map with current stack map", getReportPath());
+    internal::recordProgress("norvane_1::ProblemReportStorage::SyncModuleMapWithStackMap",
+                             L"Sync-up module map with current stack map", getReportPath());
     if (m_stackFramesMap.empty() && m_stackMap.empty()) {
         NORVANE_LOG_ERROR(logger, L"Empty stack maps, exit");
         return false;
@@ -76,19 +87,6 @@ bool ProblemReportStorage::SyncModuleMapWithStackMap() {
     return true;
 }
 
-// Removes the record itself, found by its Begin, so that of a module with
-// several code ranges the right one goes.
-bool ProblemReportStorage::removeModule(ModuleInfo const& module) {
-    auto const byAddress = m_moduleAddressIndex.find(module.Begin);
-    if (byAddress == m_moduleAddressIndex.end()) return false;
-    auto const position = static_cast<std::size_t>(byAddress->second);
-    if (m_moduleInfo[position].FullName != module.FullName) return false;
-    std::size_t const before = m_moduleInfo.size();
-    m_moduleInfo.erase(m_moduleInfo.begin() + static_cast<std::ptrdiff_t>(position));
-    forgetModulesFrom(m_moduleInfo.size(), before);
-    return true;
-}
-
 // After records left the list: the indexes are made anew from the positions
 // that remain, and the sections of the positions that are gone are dropped
 // (toString writes the others from the records).
@@ -96,6 +94,11 @@ void ProblemReportStorage::forgetModulesFrom(std::size_t count, std::size_t form
     for (std::size_t position = count; position < formerCount; ++position) {
         m_sections.erase(internal::moduleSectionName(position));
     }
+    indexModules();
+}
+
+// Of records with the same Begin or FullName, the later position is indexed.
+void ProblemReportStorage::indexModules() {
     m_moduleAddressIndex.clear();
     m_moduleNameIndex.clear();
     for (std::size_t position = 0; position < m_moduleInfo.size(); ++position) {
@@ -122,16 +125,9 @@ bool ProblemReportStorage::findModule(std::wstring const& name, ModuleInfo& modu
     return true;
 }
 
-gavrel2::path_t ProblemReportStorage::getModulePath(std::uint64_t address) const {
-    for (auto const& module : m_moduleInfo) {
-        if (module.Base <= address && module.End >= address) return gavrel2::path_t(module.FullName);
-    }
-    return gavrel2::path_t();
-}
-
 void ProblemReportStorage::updateExceptionSection() {
     if (m_exception.address == 0) return;
-    m_exception.module = getModulePath(m_exception.address).get_leaf();
+    m_exception.module = modulePathOf(m_moduleInfo, m_exception.address).get_leaf();
 }
 
 }  // namespace norvane_1

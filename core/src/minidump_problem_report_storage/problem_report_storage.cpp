@@ -1,6 +1,17 @@
-// ProblemReportStorage: life cycle, field access and the section map.
-// Portable code only.
+// ProblemReportStorage: life cycle, field access, the section map, and the
+// members that hand over to the section codecs and to the layer that reads
+// files. Portable code only.
 #include <norvane_1/problem_report_storage.h>
+#include <norvane_1/string_traits.h>
+
+#include "appended_data.h"
+#include "log_directory.h"
+#include "logging/logging.h"
+#include "problem_sections.h"
+#include "report_enrichment.h"
+#include "report_progress.h"
+
+#include <vantix_2_18/strings.h>
 
 namespace norvane_1 {
 
@@ -41,6 +52,97 @@ void ProblemReportStorage::setReportPath(std::wstring const& path) {
 
 wchar_t const* ProblemReportStorage::getReportPath() const {
     return m_reportPath.empty() ? nullptr : m_reportPath.c_str();
+}
+
+// Problem records.
+
+void ProblemReportStorage::setException(Exception const& exception) { m_exception = exception; }
+void ProblemReportStorage::setAssertion(Assertion const& assertion) { m_assertion = assertion; }
+void ProblemReportStorage::setProcessDump(ProcessDump const& processDump) { m_processDump = processDump; }
+
+void ProblemReportStorage::setDumpValue(std::wstring const& key, std::wstring const& value) {
+    m_dumpValues[key] = value;
+}
+
+std::wstring ProblemReportStorage::getDumpValue(std::wstring const& key) const { return get(m_dumpValues, key); }
+
+void ProblemReportStorage::setProcBitness(bool is32) { m_procBitness = is32 ? 1 : 0; }
+
+int ProblemReportStorage::getProcBitness() {
+    if (m_procBitness != -1) return m_procBitness;
+    for (auto const& module : m_moduleInfo) {
+        if (module.FullName.find(L"bin32") != std::wstring::npos) return m_procBitness = 1;
+        if (module.FullName.find(L"bin64") != std::wstring::npos) return m_procBitness = 0;
+    }
+    return -1;
+}
+
+// Product.
+
+std::wstring ProblemReportStorage::detectProductInfo() {
+    return internal::detectProductInfo(m_moduleInfo, getReportPath());
+}
+
+bool ProblemReportStorage::updateProductInfo() {
+    NORVANE_LOG_INFO(log::prsLogger(), L"updateProductInfo: update product info and failed prod name");
+    std::wstring const text = detectProductInfo();
+    if (text.empty()) return false;
+    if (!m_productInfo.empty()) {
+        NORVANE_LOG_INFO(log::prsLogger(), L"updateProductInfo: product info already set");
+    } else {
+        setProductInfo(text);
+    }
+    if (!m_failedProductName.empty()) {
+        NORVANE_LOG_INFO(log::prsLogger(), L"updateProductInfo: failed prod name already set");
+    } else {
+        setFailedProductName(text);
+    }
+    return true;
+}
+
+void ProblemReportStorage::setProductInfo(std::wstring const& text) {
+    std::wstring normalised(text);
+    VANTIX_2_18::strings::replace_all(normalised, L"\r\n", L"\n");
+    m_productInfo = normalised;
+}
+
+std::wstring ProblemReportStorage::getProductInfo() const { return m_productInfo; }
+
+void ProblemReportStorage::setFailedProductName(std::wstring const& productText) {
+    m_failedProductName = internal::failedProductName(productText);
+}
+
+// Module files.
+
+bool ProblemReportStorage::updateModuleMap() { return internal::readDebugIdentities(m_moduleInfo, getReportPath()); }
+
+// Appended data.
+
+bool ProblemReportStorage::appendCustomSections(wchar_t const* directory) {
+    std::wstring const folder = directoryOrLogDirectory(directory);
+    if (folder.empty()) return false;
+    if (!internal::readCustomSections(folder, m_sections)) return true;
+    // A report of a live process has taken in its creation log; the file goes.
+    if (isProcessDump()) internal::discardProgressRecords(m_reportPath);
+    return true;
+}
+
+void ProblemReportStorage::addPremortalLog(std::vector<std::wstring> const& lines) {
+    m_premortalLog.clear();
+    for (auto const& line : lines) {
+        m_premortalLog += line;
+        m_premortalLog += L'\n';
+    }
+}
+
+void ProblemReportStorage::setAppPropertyPool(AppPropertyPool const& pool) {
+    if (&pool == &m_appPropertyPool) return;
+    m_appPropertyPool = pool;
+}
+
+bool ProblemReportStorage::getVMemFootPrint(std::uint64_t& value) {
+    if (m_crashedTid == 0 && m_crashedPid == 0) return false;
+    return internal::virtualMemoryFootprint(getSection(L"Process"), value);
 }
 
 }  // namespace norvane_1

@@ -1,20 +1,20 @@
 // Which product failed: "support.txt" of the modules' installations, or the
 // product-location service. Portable code only.
-#include <norvane_1/crash_handling.h>
-#include <norvane_1/problem_report_storage.h>
+#include "report_enrichment.h"
+
 #include <norvane_1/string_traits.h>
 
-#include "key_text.h"
 #include "logging/logging.h"
+#include "report_progress.h"
 
 #include <gavrel2/file_content.h>
 #include <gavrel2/path.h>
 #include <ostrel2/product_locations.h>
-#include <vantix_2_18/strings.h>
 
 #include <algorithm>
 
 namespace norvane_1 {
+namespace internal {
 namespace {
 
 constexpr char kDetectLabel[] = "norvane_1::ProblemReportStorage::detectProductInfo";
@@ -38,12 +38,12 @@ std::wstring productInfoFromService() {
 
 }  // namespace
 
-std::wstring ProblemReportStorage::detectProductInfo() {
+std::wstring detectProductInfo(ModuleInfoList const& modules, wchar_t const* reportPath) {
     NORVANE_LOG_INFO(log::prsLogger(), L"Detecting product info");
-    addCreationLogRecord(kDetectLabel, L"Detecting product info", getReportPath());
+    recordProgress(kDetectLabel, L"Detecting product info", reportPath);
     std::wstring result;
     std::vector<std::wstring> seen;
-    for (auto const& module : m_moduleInfo) {
+    for (auto const& module : modules) {
         std::wstring const support = supportFileOf(module.FullName);
         if (!gavrel2::path_t::exists(support)) continue;
         std::wstring const text =
@@ -54,44 +54,13 @@ std::wstring ProblemReportStorage::detectProductInfo() {
     }
     NORVANE_LOG_INFO(log::prsLogger(), L"Product info from module map: " << result);
     if (result.empty()) {
-        addCreationLogRecord(kDetectLabel, L"failed to derive product info from module map, fallback to ostrel API",
-                             getReportPath());
+        recordProgress(kDetectLabel, L"failed to derive product info from module map, fallback to ostrel API",
+                       reportPath);
         result = productInfoFromService();
         NORVANE_LOG_INFO(log::prsLogger(), L"Product info from ostrel API: " << result);
     }
     return result;
 }
 
-bool ProblemReportStorage::updateProductInfo() {
-    NORVANE_LOG_INFO(log::prsLogger(), L"updateProductInfo: update product info and failed prod name");
-    std::wstring const text = detectProductInfo();
-    if (text.empty()) return false;
-    if (!m_productInfo.empty()) {
-        NORVANE_LOG_INFO(log::prsLogger(), L"updateProductInfo: product info already set");
-    } else {
-        setProductInfo(text);
-    }
-    if (!m_failedProductName.empty()) {
-        NORVANE_LOG_INFO(log::prsLogger(), L"updateProductInfo: failed prod name already set");
-    } else {
-        setFailedProductName(text);
-    }
-    return true;
-}
-
-void ProblemReportStorage::setProductInfo(std::wstring const& text) {
-    std::wstring normalised(text);
-    VANTIX_2_18::strings::replace_all(normalised, L"\r\n", L"\n");
-    m_productInfo = normalised;
-}
-
-std::wstring ProblemReportStorage::getProductInfo() const { return m_productInfo; }
-
-void ProblemReportStorage::setFailedProductName(std::wstring const& productText) {
-    static internal::KnownKeys const productKeys({L"Package ID", L"Package Contents", L"Build Number"});
-    StringMap keys;
-    productKeys.read(productText, keys);
-    m_failedProductName = get(keys, L"Package Contents") + L"; " + get(keys, L"Build Number");
-}
-
+}  // namespace internal
 }  // namespace norvane_1

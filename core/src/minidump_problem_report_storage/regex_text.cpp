@@ -25,15 +25,6 @@ std::wstring replaceAllByRegex(std::wstring const& text, boost::wregex const& ex
     }
 }
 
-std::wstring replaceAllByRegex(std::wstring const& text, std::wstring const& expression,
-                               std::wstring const& format) {
-    try {
-        return replaceAllByRegex(text, boost::wregex(expression), format);
-    } catch (boost::regex_error const&) {
-        return std::wstring();
-    }
-}
-
 void imbueReaderLocale(boost::wregex& expression);  // regex_locale_*.cpp
 
 void assignReaderExpression(boost::wregex& expression, std::wstring const& pattern) {
@@ -55,13 +46,6 @@ std::wstring encodeText(std::wstring const& text) {
 std::wstring decodeText(std::wstring const& text) {
     static boost::wregex const expression(kDecodeExpression);
     return replaceAllByRegex(text, expression, kDecodeFormat);
-}
-
-std::wstring trimLineEnds(std::wstring const& text) {
-    auto const first = text.find_first_not_of(L"\r\n");
-    if (first == std::wstring::npos) return std::wstring();
-    auto const last = text.find_last_not_of(L"\r\n");
-    return text.substr(first, last - first + 1);
 }
 
 namespace {

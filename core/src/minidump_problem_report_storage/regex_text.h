@@ -17,8 +17,6 @@ using TextMatch = boost::match_results<TextIterator>;
 
 // regex_replace with conditional format strings. A regex_error (a bad
 // expression, or a match too complex to finish) gives an empty string.
-std::wstring replaceAllByRegex(std::wstring const& text, std::wstring const& expression,
-                               std::wstring const& format);
 std::wstring replaceAllByRegex(std::wstring const& text, boost::wregex const& expression,
                                std::wstring const& format);
 
@@ -32,8 +30,6 @@ void assignReaderExpression(boost::wregex& expression, std::wstring const& patte
 std::wstring encodeText(std::wstring const& text);
 std::wstring decodeText(std::wstring const& text);
 
-// Removes CR and LF from both ends, and nothing else.
-std::wstring trimLineEnds(std::wstring const& text);
 // Removes white space from both ends (global locale).
 std::wstring trim(std::wstring const& text);
 

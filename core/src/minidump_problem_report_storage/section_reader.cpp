@@ -1,18 +1,19 @@
-// Finding sections in report text. Portable code only.
-#include <norvane_1/problem_report_storage.h>
+// Finding sections in report text. Portable code only; no I/O.
+#include "section_text.h"
 
 #include "regex_text.h"
 
 #include <algorithm>
 
 namespace norvane_1 {
+namespace internal {
 namespace {
 
 // A head is "[Name]" with a line break directly in front of "[" and behind
 // "]". Group 2 is the line break behind the head, so a search from there can
 // find a head that follows directly.
 boost::wregex const& headExpression() {
-    static boost::wregex const expression = internal::readerExpression(L"[\\n\\r]+[[]([\\w \\.]+)[]]([\\n\\r]+)");
+    static boost::wregex const expression = readerExpression(L"[\\n\\r]+[[]([\\w \\.]+)[]]([\\n\\r]+)");
     return expression;
 }
 
@@ -24,7 +25,7 @@ bool isLineEnd(wchar_t c) { return c == L'\r' || c == L'\n'; }
 // in the run reaches the same "[" with the same rest. Trying the expression
 // at those places alone keeps it from being attempted at every line end of a
 // long stack section.
-bool searchHead(internal::TextIterator first, internal::TextIterator last, internal::TextMatch& head) {
+bool searchHead(TextIterator first, TextIterator last, TextMatch& head) {
     for (auto bracket = std::find(first, last, L'['); bracket != last;
          bracket = std::find(bracket + 1, last, L'[')) {
         if (bracket == first || !isLineEnd(*(bracket - 1))) continue;
@@ -37,13 +38,8 @@ bool searchHead(internal::TextIterator first, internal::TextIterator last, inter
     return false;
 }
 
-boost::wregex const& anyHeadStartExpression() {
-    static boost::wregex const expression(L"[\\n\\r][[]");
-    return expression;
-}
-
 // The text between `first` and `last` without CR and LF at either end.
-void assignWithoutLineEnds(std::wstring& text, internal::TextIterator first, internal::TextIterator last) {
+void assignWithoutLineEnds(std::wstring& text, TextIterator first, TextIterator last) {
     while (first != last && isLineEnd(*first)) ++first;
     while (last != first && isLineEnd(*(last - 1))) --last;
     text.assign(first, last);
@@ -51,50 +47,42 @@ void assignWithoutLineEnds(std::wstring& text, internal::TextIterator first, int
 
 }  // namespace
 
-std::wstring::const_iterator ProblemReportStorage::findNextSection(
-    std::wstring::const_iterator start, std::wstring& name, std::wstring& text,
-    std::wstring const& reportText) {
+std::wstring::const_iterator nextSection(std::wstring const& text, std::wstring::const_iterator start,
+                                         std::wstring& name, std::wstring& body) {
     name.clear();
-    text.clear();
-    auto const end = reportText.end();
+    body.clear();
+    auto const end = text.end();
     try {
-        internal::TextMatch head;
+        TextMatch head;
         if (!searchHead(start, end, head)) return end;
         name = head.str(1);
-        internal::TextMatch next;
+        TextMatch next;
         auto result = end;
         if (searchHead(head[2].first, end, next)) {
             // A head right behind this one leaves this section empty.
-            if (head[0].second < next[0].first) assignWithoutLineEnds(text, head[0].second, next[0].first);
+            if (head[0].second < next[0].first) assignWithoutLineEnds(body, head[0].second, next[0].first);
             result = next[0].first;
         } else {
-            assignWithoutLineEnds(text, head[2].first, end);
+            assignWithoutLineEnds(body, head[2].first, end);
         }
-        name = internal::trim(name);
+        name = trim(name);
         return result;
     } catch (boost::regex_error const&) {
         return end;
     }
 }
 
-std::wstring ProblemReportStorage::getSection(std::wstring const& name,
-                                              std::wstring const& reportText) const {
-    try {
-        // The name goes into the expression unescaped.
-        boost::wregex const named = internal::readerExpression(L"[\\n\\r][[][\\s]*" + name + L"[ \\s]*[]]");
-        internal::TextMatch head;
-        if (!boost::regex_search(reportText.begin(), reportText.end(), head, named)) {
-            return std::wstring();
-        }
-        internal::TextMatch next;
-        auto last = reportText.end();
-        if (boost::regex_search(head[0].second, reportText.end(), next, anyHeadStartExpression())) {
-            last = next[0].first;
-        }
-        return std::wstring(head[0].second, last);
-    } catch (boost::regex_error const&) {
-        return std::wstring();
+void splitSections(std::wstring const& text, StringMap& sections) {
+    // The line feed in front lets the head expression find a head on the
+    // first line.
+    std::wstring const searched = L"\n" + text;
+    std::wstring name;
+    std::wstring body;
+    for (auto position = searched.cbegin(); position != searched.cend();) {
+        position = nextSection(searched, position, name, body);
+        if (!name.empty()) sections[name] = std::move(body);
     }
 }
 
+}  // namespace internal
 }  // namespace norvane_1

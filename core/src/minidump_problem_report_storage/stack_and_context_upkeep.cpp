@@ -1,17 +1,17 @@
 // Adding and clearing the contexts and stacks of a report. Portable code only.
-#include <norvane_1/crash_handling.h>
 #include <norvane_1/problem_report_storage.h>
 #include <norvane_1/string_traits.h>
 
 #include "logging/logging.h"
+#include "report_progress.h"
 
 namespace norvane_1 {
 namespace {
 
-// The creation-log record and the log line of an addition. Both go out even
+// The progress record and the log line of an addition. Both go out even
 // when the map then keeps an earlier record for the thread.
 void announce(char const* label, wchar_t const* prefix, std::uint32_t threadId, wchar_t const* reportPath) {
-    addCreationLogRecord(label, prefix + string_traits::addrToString(threadId), reportPath);
+    internal::recordProgress(label, prefix + string_traits::addrToString(threadId), reportPath);
     NORVANE_LOG_INFO(log::prsLogger(), prefix << threadId);
 }
 

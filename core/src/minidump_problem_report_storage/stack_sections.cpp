@@ -1,11 +1,11 @@
-// "Stack.raw.0x<tid>" and "Stack.clean.0x<tid>" sections. Portable code only.
+// "Stack.raw.0x<tid>" and "Stack.clean.0x<tid>" sections. Portable code
+// only; no I/O.
 //
 // These bodies are tables, not key text: a raw line is "slot: return
 // address", a clean line "kind | stack slot | address[ | module]". They are
 // read line by line without regular expressions, since a report may carry
 // thousands of such lines.
-#include <norvane_1/problem_report_storage.h>
-#include <norvane_1/string_traits.h>
+#include "stack_sections.h"
 
 #include "hex_text.h"
 #include "regex_text.h"
@@ -16,6 +16,7 @@
 #include <string_view>
 
 namespace norvane_1 {
+namespace internal {
 namespace {
 
 constexpr std::wstring_view kPrefix = L"Stack";
@@ -41,9 +42,9 @@ std::wstring rawStackText(RawStack const& stack) {
     std::wstring text;
     text.reserve(stack.size() * 39);  // "0x" + 16, ": ", "0x" + 16, LF
     for (auto const& slot : stack) {
-        internal::appendAddress(text, slot.first);
+        appendAddress(text, slot.first);
         text += L": ";
-        internal::appendAddress(text, slot.second);
+        appendAddress(text, slot.second);
         text += L'\n';
     }
     return text;
@@ -60,9 +61,9 @@ std::wstring cleanStackText(CleanStack frames) {
     for (auto const& frame : frames) {
         text += frameKindToString(frame);
         text += kColumnDivider;
-        internal::appendAddress(text, frame.stackAddress);
+        appendAddress(text, frame.stackAddress);
         text += kColumnDivider;
-        internal::appendAddress(text, frame.address);
+        appendAddress(text, frame.address);
         if (!frame.module.empty()) {
             text += kColumnDivider;
             text += frame.module;
@@ -88,8 +89,8 @@ RawStack parseRawStack(std::wstring const& text) {
     forEachLine(text, [&stack](std::wstring const& line) {
         auto const colon = line.find(L':');
         if (colon == std::wstring::npos || colon == 0 || colon + 1 == line.size()) return;
-        auto const slot = internal::parseHex64(internal::trim(line.substr(0, colon)));
-        stack[slot] = internal::parseHex64(internal::trim(line.substr(colon + 1)));
+        auto const slot = parseHex64(trim(line.substr(0, colon)));
+        stack[slot] = parseHex64(trim(line.substr(colon + 1)));
     });
     return stack;
 }
@@ -103,8 +104,8 @@ CleanStack parseCleanStack(std::wstring const& text) {
         StackFrame frame;
         frame.kind = frameKindFromString(columns[0]);
         if (columns.size() >= 3) {
-            frame.stackAddress = internal::parseHex64(internal::trim(columns[1]));
-            frame.address = internal::parseHex64(internal::trim(columns[2]));
+            frame.stackAddress = parseHex64(trim(columns[1]));
+            frame.address = parseHex64(trim(columns[2]));
         }
         if (columns.size() >= 4) frame.module = columns[3];
         frames.push_back(frame);
@@ -114,29 +115,30 @@ CleanStack parseCleanStack(std::wstring const& text) {
 
 }  // namespace
 
-void ProblemReportStorage::processStacksToString() {
-    for (auto const& entry : m_stackMap) {
-        m_sections[L"Stack.raw." + internal::threadIdToString(entry.first)] = rawStackText(entry.second);
+void writeStackSections(RawStackMap const& rawStacks, CleanStackMap const& cleanStacks, StringMap& sections) {
+    for (auto const& entry : rawStacks) {
+        sections[L"Stack.raw." + threadIdToString(entry.first)] = rawStackText(entry.second);
     }
-    for (auto const& entry : m_stackFramesMap) {
-        m_sections[L"Stack.clean." + internal::threadIdToString(entry.first)] =
+    for (auto const& entry : cleanStacks) {
+        sections[L"Stack.clean." + threadIdToString(entry.first)] =
             cleanStackText(entry.second);
     }
 }
 
-void ProblemReportStorage::processStringToStacks() {
-    for (auto const& section : m_sections) {
+void readStackSections(StringMap const& sections, RawStackMap& rawStacks, CleanStackMap& cleanStacks) {
+    for (auto const& section : sections) {
         if (section.first.compare(0, kPrefix.size(), kPrefix) != 0) continue;
         auto const parts = VANTIX_2_18::strings::split_string(section.first, L".", 0);
         if (parts.size() < 2) continue;
-        auto const threadId = internal::parseHex32(internal::trim(parts.back()));
+        auto const threadId = parseHex32(trim(parts.back()));
         // "Stack.<tid>" is an older name of a raw stack.
         if (parts.size() == 2 || parts[1] == L"raw") {
-            m_stackMap[threadId] = parseRawStack(section.second);
+            rawStacks[threadId] = parseRawStack(section.second);
         } else if (parts.size() == 3 && parts[1] == L"clean") {
-            m_stackFramesMap[threadId] = parseCleanStack(section.second);
+            cleanStacks[threadId] = parseCleanStack(section.second);
         }
     }
 }
 
+}  // namespace internal
 }  // namespace norvane_1

@@ -10,15 +10,20 @@
 // nothing once it runs. Arming and ending only set events.
 #include "minidump_internal/platform.h"
 #include "minidump_internal/process_globals.h"
+#include "scoped_handle_windows.h"
 
 #include <windows.h>
 
 #include <cstdio>
+#include <utility>
 
 namespace norvane_1 {
 namespace platform {
 namespace {
 
+// Plain handles, kept for the life of the process: the crash path reads
+// them also while static objects are being destroyed. Only the thread's is
+// closed, when the budget is dropped.
 struct Watch {
     HANDLE crashBegan = nullptr;       // manual reset: set by arm
     HANDLE handlerStarted = nullptr;   // manual reset: set by end
@@ -81,11 +86,10 @@ void prepareCrashBudget(std::uint32_t milliseconds) {
 // At process exit the system has ended the watchdog already, and the loader
 // lock is held: nothing is waited for.
 void dropCrashBudget() {
-    if (g_watch.thread == nullptr) return;
+    ScopedHandle const thread(std::exchange(g_watch.thread, nullptr));
+    if (!thread.valid()) return;
     ::SetEvent(g_watch.stop);
-    if (!g_processExiting) ::WaitForSingleObject(g_watch.thread, INFINITE);
-    ::CloseHandle(g_watch.thread);
-    g_watch.thread = nullptr;
+    if (!g_processExiting) ::WaitForSingleObject(thread.get(), INFINITE);
 }
 
 void armCrashBudget() {

@@ -1,6 +1,8 @@
 // The "Process" section on Windows. Windows code only.
 #include <norvane_1/crash_handling.h>
 
+#include "scoped_handle_windows.h"
+
 #include <windows.h>
 #include <psapi.h>
 
@@ -9,22 +11,18 @@ namespace {
 
 constexpr DWORD kQueryAndRead = PROCESS_QUERY_INFORMATION | PROCESS_VM_READ;
 
-// An open handle of the process, closed with it; the current process's
-// pseudo handle needs no closing.
+// A handle of the process, closed with it; pid 0 is this process, whose
+// pseudo handle is never closed.
 class ProcessHandle {
 public:
-    explicit ProcessHandle(std::uint32_t pid)
-        : m_handle(pid == 0 ? ::GetCurrentProcess() : ::OpenProcess(kQueryAndRead, FALSE, pid)), m_owned(pid != 0) {}
-    ~ProcessHandle() {
-        if (m_owned && m_handle != nullptr) ::CloseHandle(m_handle);
+    explicit ProcessHandle(std::uint32_t pid) : m_opened(pid == 0 ? nullptr : ::OpenProcess(kQueryAndRead, FALSE, pid)) {
+        m_handle = pid == 0 ? ::GetCurrentProcess() : m_opened.get();
     }
-    ProcessHandle(ProcessHandle const&) = delete;
-    ProcessHandle& operator=(ProcessHandle const&) = delete;
     HANDLE get() const { return m_handle; }
 
 private:
+    ScopedHandle m_opened;
     HANDLE m_handle;
-    bool m_owned;
 };
 
 std::wstring baseName(HANDLE process) {

@@ -5,6 +5,7 @@
 // quotes, every other argument only where it holds a blank. Quotes inside an
 // argument are not escaped.
 #include "minidump_internal/platform.h"
+#include "scoped_handle_windows.h"
 
 #include <process.h>
 #include <windows.h>
@@ -28,10 +29,10 @@ int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& a
     intptr_t const process = ::_wspawnv(_P_NOWAIT, program.c_str(), argv.data());
     if (process == -1) return -1;
     if (started != nullptr) started();
-    HANDLE const handle = reinterpret_cast<HANDLE>(process);
+    ScopedHandle const handle(reinterpret_cast<HANDLE>(process));
     DWORD exitCode = 0;
-    bool const ended = ::WaitForSingleObject(handle, INFINITE) == WAIT_OBJECT_0 && ::GetExitCodeProcess(handle, &exitCode);
-    ::CloseHandle(handle);
+    bool const ended =
+        ::WaitForSingleObject(handle.get(), INFINITE) == WAIT_OBJECT_0 && ::GetExitCodeProcess(handle.get(), &exitCode);
     return ended ? static_cast<int>(exitCode) : -1;
 }
 

@@ -26,6 +26,7 @@
 
 #include "minidump_internal/crash_filter.h"
 #include "minidump_internal/platform.h"
+#include "scoped_handle_windows.h"
 
 #include <atomic>
 
@@ -65,12 +66,11 @@ void keepRoom() {
 
 LONG relayStackOverflow(EXCEPTION_POINTERS* pointers) {
     Relay relay{pointers, ::GetCurrentThreadId(), EXCEPTION_CONTINUE_SEARCH};
-    HANDLE const thread = ::CreateThread(nullptr, kRelayStack, runStepsForFaultingThread, &relay,
-                                         STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+    ScopedHandle const thread(::CreateThread(nullptr, kRelayStack, runStepsForFaultingThread, &relay,
+                                             STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr));
     // No thread to be had: the steps on what is left, the last chance.
-    if (thread == nullptr) return dumpMiniDump(pointers);
-    ::WaitForSingleObject(thread, INFINITE);
-    ::CloseHandle(thread);
+    if (!thread.valid()) return dumpMiniDump(pointers);
+    ::WaitForSingleObject(thread.get(), INFINITE);
     return relay.result;
 }
 

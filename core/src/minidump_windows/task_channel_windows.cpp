@@ -14,6 +14,7 @@
 // since the pipe is not opened for overlapped I/O): a client that connects
 // and sends nothing must not hold the service.
 #include "minidump_internal/task_channel.h"
+#include "scoped_handle_windows.h"
 
 #include <windows.h>
 
@@ -29,34 +30,6 @@ constexpr DWORD kBufferSize = 2064;
 constexpr std::chrono::milliseconds kPollInterval{2};
 constexpr int kBusyRetries = 100;
 
-class ScopedHandle {
-public:
-    explicit ScopedHandle(HANDLE handle = INVALID_HANDLE_VALUE) : m_handle(handle) {}
-    ~ScopedHandle() { reset(); }
-    ScopedHandle(ScopedHandle const&) = delete;
-    ScopedHandle& operator=(ScopedHandle const&) = delete;
-    ScopedHandle(ScopedHandle&& other) noexcept : m_handle(other.release()) {}
-    ScopedHandle& operator=(ScopedHandle&& other) noexcept {
-        reset();
-        m_handle = other.release();
-        return *this;
-    }
-    HANDLE get() const { return m_handle; }
-    bool valid() const { return m_handle != INVALID_HANDLE_VALUE && m_handle != nullptr; }
-    HANDLE release() {
-        HANDLE const handle = m_handle;
-        m_handle = INVALID_HANDLE_VALUE;
-        return handle;
-    }
-    void reset() {
-        if (valid()) ::CloseHandle(m_handle);
-        m_handle = INVALID_HANDLE_VALUE;
-    }
-
-private:
-    HANDLE m_handle;
-};
-
 // Bytes waiting in the pipe; false when the other end has gone.
 bool waitingBytes(HANDLE pipe, DWORD& available) {
     return ::PeekNamedPipe(pipe, nullptr, 0, nullptr, &available, nullptr) != FALSE;
@@ -64,7 +37,7 @@ bool waitingBytes(HANDLE pipe, DWORD& available) {
 
 class PipeConnection final : public Connection {
 public:
-    PipeConnection(ScopedHandle pipe, bool server) : m_pipe(std::move(pipe)), m_server(server) {}
+    PipeConnection(ScopedFileHandle pipe, bool server) : m_pipe(std::move(pipe)), m_server(server) {}
     ~PipeConnection() override {
         if (m_server) ::DisconnectNamedPipe(m_pipe.get());
     }
@@ -114,14 +87,14 @@ private:
         return false;
     }
 
-    ScopedHandle m_pipe;
+    ScopedFileHandle m_pipe;
     bool m_server;
 };
 
 class PipeServer final : public Server {
 public:
     bool create() override {
-        m_next = ScopedHandle(::CreateNamedPipeW(kPipeName, PIPE_ACCESS_DUPLEX, 0, PIPE_UNLIMITED_INSTANCES,
+        m_next = ScopedFileHandle(::CreateNamedPipeW(kPipeName, PIPE_ACCESS_DUPLEX, 0, PIPE_UNLIMITED_INSTANCES,
                                                  kBufferSize, kBufferSize, 0, nullptr));
         return m_next.valid();
     }
@@ -131,7 +104,7 @@ public:
     // again (ERROR_NO_DATA) is a client too, whose request may still wait
     // to be read: the next instance is made for both before this one closes.
     std::unique_ptr<Connection> connect() override {
-        ScopedHandle pipe = std::move(m_next);
+        ScopedFileHandle pipe = std::move(m_next);
         if (!pipe.valid()) return nullptr;
         if (!::ConnectNamedPipe(pipe.get(), nullptr)) {
             DWORD const error = ::GetLastError();
@@ -141,7 +114,7 @@ public:
     }
 
 private:
-    ScopedHandle m_next;
+    ScopedFileHandle m_next;
 };
 
 }  // namespace
@@ -152,7 +125,7 @@ bool waitForServer() { return ::WaitNamedPipeW(kPipeName, NMPWAIT_WAIT_FOREVER) 
 
 std::unique_ptr<Connection> openClient() {
     for (int attempt = 0; attempt < kBusyRetries; ++attempt) {
-        ScopedHandle pipe(::CreateFileW(kPipeName, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+        ScopedFileHandle pipe(::CreateFileW(kPipeName, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                         FILE_ATTRIBUTE_NORMAL, nullptr));
         if (pipe.valid()) return std::make_unique<PipeConnection>(std::move(pipe), false);
         if (::GetLastError() != ERROR_PIPE_BUSY || !::WaitNamedPipeW(kPipeName, NMPWAIT_WAIT_FOREVER)) break;

@@ -6,6 +6,8 @@
 // this process picks.
 #include <norvane_1/dbghelp.h>
 
+#include "scoped_handle_windows.h"
+
 #include <gavrel2/shared_lib.h>
 
 #include <windows.h>
@@ -222,26 +224,19 @@ std::wstring DbgHelp::findFile(int mode, std::wstring const& path, DbgHelpFileIn
 }
 
 void DbgHelp::writeProcessDump(std::wstring const& path, unsigned long processId, int level) {
-    HANDLE process = ::OpenProcess(kDumpProcessAccess, FALSE, processId);
-    if (process == nullptr) return;
-    HANDLE file = createDumpFile(path);
-    if (file != INVALID_HANDLE_VALUE) {
-        if (m_libs->MiniDumpWriteDump) {
-            m_libs->MiniDumpWriteDump(process, processId, file, dumpType(level), nullptr, nullptr, nullptr);
-        }
-        ::CloseHandle(file);
+    ScopedHandle const process(::OpenProcess(kDumpProcessAccess, FALSE, processId));
+    if (!process.valid()) return;
+    ScopedFileHandle const file(createDumpFile(path));
+    if (file.valid() && m_libs->MiniDumpWriteDump) {
+        m_libs->MiniDumpWriteDump(process.get(), processId, file.get(), dumpType(level), nullptr, nullptr, nullptr);
     }
-    ::CloseHandle(process);
 }
 
 void DbgHelp::writeOwnDump(std::wstring const& path, ::_MINIDUMP_EXCEPTION_INFORMATION* exceptionInfo) {
-    HANDLE file = createDumpFile(path);
-    if (file == INVALID_HANDLE_VALUE) return;
-    if (m_libs->MiniDumpWriteDump) {
-        m_libs->MiniDumpWriteDump(::GetCurrentProcess(), ::GetCurrentProcessId(), file, static_cast<MINIDUMP_TYPE>(0),
-                                  exceptionInfo, nullptr, nullptr);
-    }
-    ::CloseHandle(file);
+    ScopedFileHandle const file(createDumpFile(path));
+    if (!file.valid() || !m_libs->MiniDumpWriteDump) return;
+    m_libs->MiniDumpWriteDump(::GetCurrentProcess(), ::GetCurrentProcessId(), file.get(), static_cast<MINIDUMP_TYPE>(0),
+                              exceptionInfo, nullptr, nullptr);
 }
 
 }  // namespace norvane_1

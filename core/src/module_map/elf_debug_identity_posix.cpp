@@ -3,6 +3,7 @@
 #include "elf_debug_identity.h"
 
 #include "elf_image.h"
+#include "scoped_descriptor_posix.h"
 
 #include <gavrel2/path.h>
 #include <vantix_2_18/utf.h>
@@ -21,19 +22,13 @@ namespace {
 // under a module's name is turned away before anything is read.
 class FileBytes : public elf_image::ByteSource {
 public:
-    explicit FileBytes(std::string const& path) {
-        m_fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    explicit FileBytes(std::string const& path) : m_fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         struct stat status;
-        if (m_fd >= 0 && ::fstat(m_fd, &status) == 0 && S_ISREG(status.st_mode)) {
+        if (m_fd.valid() && ::fstat(m_fd.get(), &status) == 0 && S_ISREG(status.st_mode)) {
             m_size = static_cast<std::uint64_t>(status.st_size);
             m_readable = true;
         }
     }
-    ~FileBytes() override {
-        if (m_fd >= 0) ::close(m_fd);
-    }
-    FileBytes(FileBytes const&) = delete;
-    FileBytes& operator=(FileBytes const&) = delete;
 
     bool readable() const { return m_readable; }
     std::uint64_t size() const override { return m_size; }
@@ -41,7 +36,7 @@ public:
         if (!m_readable || offset > m_size || length > m_size - offset) return false;
         auto* bytes = static_cast<char*>(out);
         while (length > 0) {
-            ssize_t const got = ::pread(m_fd, bytes, length, static_cast<off_t>(offset));
+            ssize_t const got = ::pread(m_fd.get(), bytes, length, static_cast<off_t>(offset));
             if (got <= 0) return false;
             bytes += got;
             offset += static_cast<std::uint64_t>(got);
@@ -51,7 +46,7 @@ public:
     }
 
 private:
-    int m_fd = -1;
+    ScopedDescriptor m_fd;
     std::uint64_t m_size = 0;
     bool m_readable = false;
 };

@@ -31,6 +31,8 @@ std::uint64_t little(unsigned char const* bytes, std::size_t length) {
 // A fixed-size record of the file, read whole; its fields by offset.
 class Record {
 public:
+    Record() = default;
+    Record(unsigned char const* bytes, std::size_t length) { std::memcpy(m_bytes, bytes, std::min(length, sizeof m_bytes)); }
     bool load(ByteSource const& file, std::uint64_t offset, std::size_t length) {
         return length <= sizeof m_bytes && file.read(offset, m_bytes, length);
     }
@@ -90,6 +92,24 @@ bool readBlock(ByteSource const& file, std::uint64_t offset, std::uint64_t lengt
     return file.read(offset, out.data(), out.size());
 }
 
+// Calls `use` with each entry of a table, in order, until it returns false.
+// The entries are read a chunk at a time: a read of its own for each would
+// cost a system call per entry, and a crash reads the tables of every module
+// its stack passes through.
+template <typename Use>
+void forEachEntry(ByteSource const& file, Table const& table, std::uint64_t count, std::size_t entryLength, Use use) {
+    if (count == 0) return;  // also every table with entries of size 0
+    std::uint64_t const kChunkEntries = std::min<std::uint64_t>(256, kMaxBlock / table.entrySize);
+    std::vector<unsigned char> chunk;
+    for (std::uint64_t first = 0; first < count; first += kChunkEntries) {
+        std::uint64_t const entries = std::min(kChunkEntries, count - first);
+        if (!readBlock(file, table.offset + first * table.entrySize, entries * table.entrySize, chunk)) return;
+        for (std::uint64_t i = 0; i < entries; ++i) {
+            if (!use(Record(chunk.data() + i * table.entrySize, entryLength))) return;
+        }
+    }
+}
+
 std::uint64_t alignUp(std::uint64_t value, std::uint64_t alignment) {
     return (value + alignment - 1) / alignment * alignment;
 }
@@ -125,25 +145,22 @@ struct Segment {
     std::uint64_t alignment = 0;
 };
 
-bool readSegment(ByteSource const& file, Table const& table, std::uint64_t index, Segment& segment) {
-    Record record;
-    if (!record.load(file, table.offset + index * table.entrySize, kSegmentEntrySize)) return false;
+Segment segmentOf(Record const& record) {
+    Segment segment;
     segment.type = static_cast<std::uint32_t>(record.field(0, 4));
     segment.offset = record.field(8, 8);
     segment.address = record.field(16, 8);
     segment.fileSize = record.field(32, 8);
     segment.memorySize = record.field(40, 8);
     segment.alignment = record.field(48, 8);
-    return true;
+    return segment;
 }
 
 void readSegments(ByteSource const& file, Header const& header, Identity& identity) {
     std::uint64_t low = UINT64_MAX;
     std::uint64_t high = 0;
-    std::uint64_t const count = fittingCount(file, header.segments);
-    for (std::uint64_t i = 0; i < count; ++i) {
-        Segment segment;
-        if (!readSegment(file, header.segments, i, segment)) break;
+    forEachEntry(file, header.segments, fittingCount(file, header.segments), kSegmentEntrySize, [&](Record const& record) {
+        Segment const segment = segmentOf(record);
         bool const fits = segment.address <= UINT64_MAX - kPageSize &&
                           segment.memorySize <= UINT64_MAX - kPageSize - segment.address;
         if (segment.type == kLoad && fits) {
@@ -155,7 +172,8 @@ void readSegments(ByteSource const& file, Header const& header, Identity& identi
             readBlock(file, segment.offset, segment.fileSize, notes)) {
             findBuildId(notes, segment.alignment, identity.buildId);
         }
-    }
+        return true;
+    });
     if (low < high) identity.imageSize = alignUp(high, kPageSize) - low / kPageSize * kPageSize;
 }
 
@@ -167,15 +185,14 @@ struct Section {
     std::uint64_t alignment = 0;
 };
 
-bool readSection(ByteSource const& file, Table const& table, std::uint64_t index, Section& section) {
-    Record record;
-    if (!record.load(file, table.offset + index * table.entrySize, kSectionEntrySize)) return false;
+Section sectionOf(Record const& record) {
+    Section section;
     section.name = static_cast<std::uint32_t>(record.field(0, 4));
     section.type = static_cast<std::uint32_t>(record.field(4, 4));
     section.offset = record.field(24, 8);
     section.size = record.field(32, 8);
     section.alignment = record.field(48, 8);
-    return true;
+    return section;
 }
 
 std::string sectionName(std::vector<unsigned char> const& names, std::uint32_t at) {
@@ -191,14 +208,15 @@ bool isDebugInformation(std::string const& name) {
 void readSections(ByteSource const& file, Header const& header, Identity& identity) {
     std::uint64_t const count = fittingCount(file, header.sections);
     std::vector<unsigned char> names;
-    Section namesSection;
-    if (header.namesIndex < count && readSection(file, header.sections, header.namesIndex, namesSection)) {
+    Record namesEntry;
+    if (header.namesIndex < count &&
+        namesEntry.load(file, header.sections.offset + header.namesIndex * header.sections.entrySize, kSectionEntrySize)) {
+        Section const namesSection = sectionOf(namesEntry);
         readBlock(file, namesSection.offset, namesSection.size, names);
     }
-    for (std::uint64_t i = 0; i < count; ++i) {
-        Section section;
-        if (!readSection(file, header.sections, i, section)) break;
-        if (section.type == kNoBits) continue;
+    forEachEntry(file, header.sections, count, kSectionEntrySize, [&](Record const& record) {
+        Section const section = sectionOf(record);
+        if (section.type == kNoBits) return true;
         if (section.type == kSymbolTable || isDebugInformation(sectionName(names, section.name))) {
             identity.hasSymbols = true;
         }
@@ -207,7 +225,8 @@ void readSections(ByteSource const& file, Header const& header, Identity& identi
             readBlock(file, section.offset, section.size, notes)) {
             findBuildId(notes, section.alignment, identity.buildId);
         }
-    }
+        return true;
+    });
 }
 
 }  // namespace

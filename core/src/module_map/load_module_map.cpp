@@ -10,20 +10,26 @@
 namespace norvane_1 {
 
 unsigned char loadModuleMap(MinidumpModuleMap* map, unsigned long processId) {
-    std::unique_ptr<RegionSource> source;
-    try {
-        source = openRegionSource(processId);
-    } catch (std::bad_alloc const&) {
-        return 0;
-    }
-    if (!source) return 0;
+    std::unique_ptr<RegionSource> const source = openRegionSourceOrNone(processId);
+    return source ? loadModuleMap(map, *source) : 0;
+}
+
+unsigned char loadModuleMap(MinidumpModuleMap* map, RegionSource& source) {
     // Every insertion leaves a whole map, so a scan cut short by an
     // exhausted heap still leaves what it found so far.
     try {
-        scanModules(*source, *map);
+        scanModules(source, *map);
     } catch (std::bad_alloc const&) {
     }
     return 1;
+}
+
+std::unique_ptr<RegionSource> openRegionSourceOrNone(unsigned long processId) {
+    try {
+        return openRegionSource(processId);
+    } catch (std::bad_alloc const&) {
+        return nullptr;
+    }
 }
 
 }  // namespace norvane_1

@@ -5,61 +5,68 @@
 #include <vantix_2_18/utf.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <string_view>
 
 namespace norvane_1 {
 namespace {
 
 // Reads a hexadecimal number up to `stop`; false without digits.
-bool readHex(std::string const& text, std::size_t& at, char stop, std::uint64_t& value) {
+bool readHex(std::string_view text, std::size_t& at, char stop, std::uint64_t& value) {
     std::size_t const end = text.find(stop, at);
-    if (end == std::string::npos || end == at) return false;
-    char* after = nullptr;
-    value = std::strtoull(text.c_str() + at, &after, 16);
-    if (after != text.c_str() + end) return false;
+    if (end == std::string_view::npos || end == at || end - at > 16) return false;
+    value = 0;
+    for (char const digit : text.substr(at, end - at)) {
+        int const nibble = digit >= '0' && digit <= '9'   ? digit - '0'
+                           : digit >= 'a' && digit <= 'f' ? digit - 'a' + 10
+                           : digit >= 'A' && digit <= 'F' ? digit - 'A' + 10
+                                                          : -1;
+        if (nibble < 0) return false;
+        value = value << 4 | static_cast<std::uint64_t>(nibble);
+    }
     at = end + 1;
     return true;
 }
 
-// The next field delimited by blanks.
-std::string readField(std::string const& text, std::size_t& at) {
+// The next field delimited by blanks. A view, not a copy: a crash parses
+// every line of the text, and the copies were most of that work.
+std::string_view readField(std::string_view text, std::size_t& at) {
     at = text.find_first_not_of(' ', at);
-    if (at == std::string::npos) {
+    if (at == std::string_view::npos) {
         at = text.size();
-        return std::string();
+        return std::string_view();
     }
     std::size_t const end = std::min(text.find(' ', at), text.size());
-    std::string field = text.substr(at, end - at);
+    std::string_view const field = text.substr(at, end - at);
     at = end;
     return field;
 }
 
-std::string filePath(std::string path) {
+std::string_view filePath(std::string_view path) {
     constexpr std::string_view kDeleted = " (deleted)";
-    if (path.empty() || path[0] != '/') return std::string();
-    if (path.size() > kDeleted.size() && path.compare(path.size() - kDeleted.size(), kDeleted.size(), kDeleted) == 0) {
-        path.resize(path.size() - kDeleted.size());
+    if (path.empty() || path[0] != '/') return std::string_view();
+    if (path.size() > kDeleted.size() && path.substr(path.size() - kDeleted.size()) == kDeleted) {
+        path.remove_suffix(kDeleted.size());
     }
     return path;
 }
 
 }  // namespace
 
-bool parseMapsLine(std::string const& line, MapsLine& mapping) {
+bool parseMapsLine(std::string const& text, MapsLine& mapping) {
+    std::string_view const line(text);
     std::size_t at = 0;
     if (!readHex(line, at, '-', mapping.begin) || !readHex(line, at, ' ', mapping.end)) return false;
-    std::string const permissions = readField(line, at);
-    std::string const offset = readField(line, at);
-    std::string const device = readField(line, at);
-    std::string const inode = readField(line, at);
+    std::string_view const permissions = readField(line, at);
+    readField(line, at);  // the offset
+    std::string_view const device = readField(line, at);
+    std::string_view const inode = readField(line, at);
     if (permissions.size() < 4 || inode.empty() || mapping.end <= mapping.begin) return false;
     mapping.executable = permissions[2] == 'x';
     std::size_t const path = line.find_first_not_of(' ', at);
-    std::string const name = path == std::string::npos ? std::string() : line.substr(path);
-    mapping.readable = permissions[0] == 'r' && name.rfind("[vvar", 0) != 0;
-    mapping.file = filePath(name);
-    mapping.identity = device + " " + inode;
+    std::string_view const name = path == std::string_view::npos ? std::string_view() : line.substr(path);
+    mapping.readable = permissions[0] == 'r' && name.substr(0, 5) != "[vvar";
+    mapping.file.assign(filePath(name));
+    mapping.identity.assign(device).append(" ").append(inode);
     return true;
 }
 

@@ -15,6 +15,13 @@ namespace norvane_1 {
 // Walks the whole address space from address 0.
 void scanModules(RegionSource& source, MinidumpModuleMap& map);
 
+// loadModuleMap over a source the caller has opened: the in-process
+// collection reads the module map and the crashed stack's regions from one
+// snapshot of the address space.
+unsigned char loadModuleMap(MinidumpModuleMap* map, RegionSource& source);
+// openRegionSource, or none where the heap is exhausted.
+std::unique_ptr<RegionSource> openRegionSourceOrNone(unsigned long processId);
+
 // Adds the executable stretches of one module: its regions from `base` up
 // to `limit`, each entry with its own copy of `name`.
 void addModuleRanges(RegionSource& source, MinidumpModuleMap& map, std::uint64_t base,

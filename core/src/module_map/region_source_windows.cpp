@@ -3,6 +3,7 @@
 #include "region_source.h"
 
 #include "process_bitness.h"
+#include "scoped_handle_windows.h"
 
 #include <backtrace/is32_windows.h>
 
@@ -26,16 +27,11 @@ class WindowsRegionSource : public RegionSource {
 public:
     // A null handle means this process.
     explicit WindowsRegionSource(HANDLE process) : m_process(process) {}
-    ~WindowsRegionSource() override {
-        if (m_process != nullptr) ::CloseHandle(m_process);
-    }
-    WindowsRegionSource(WindowsRegionSource const&) = delete;
-    WindowsRegionSource& operator=(WindowsRegionSource const&) = delete;
 
     bool query(std::uint64_t address, MemoryRegion& region) override {
         MEMORY_BASIC_INFORMATION info{};
         auto const where = reinterpret_cast<LPCVOID>(static_cast<std::uintptr_t>(address));
-        SIZE_T const got = m_process ? ::VirtualQueryEx(m_process, where, &info, sizeof info)
+        SIZE_T const got = m_process ? ::VirtualQueryEx(m_process.get(), where, &info, sizeof info)
                                      : ::VirtualQuery(where, &info, sizeof info);
         if (got != sizeof info) return false;
         region.base = reinterpret_cast<std::uintptr_t>(info.BaseAddress);
@@ -50,16 +46,16 @@ public:
     bool moduleName(std::uint64_t base, std::wstring& name) override {
         wchar_t buffer[kNameCapacity];
         auto const module = reinterpret_cast<HMODULE>(static_cast<std::uintptr_t>(base));
-        DWORD const length = m_process ? ::K32GetModuleFileNameExW(m_process, module, buffer, kNameCapacity)
+        DWORD const length = m_process ? ::K32GetModuleFileNameExW(m_process.get(), module, buffer, kNameCapacity)
                                        : ::GetModuleFileNameW(module, buffer, kNameCapacity);
         if (length == 0) return false;
         name.assign(buffer, length);
-        if (m_process && isWow64Process(m_process) && bt::is32(m_process)) correctWow64ModulePath(name);
+        if (m_process && isWow64Process(m_process.get()) && bt::is32(m_process.get())) correctWow64ModulePath(name);
         return true;
     }
 
 private:
-    HANDLE m_process;
+    ScopedHandle m_process;
 };
 
 }  // namespace

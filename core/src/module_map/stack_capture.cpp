@@ -19,12 +19,10 @@ constexpr std::uint32_t kExceptionFrame = 4;
 
 bool isSet(wchar_t const* variable) { return !gavrel2::get_environ_value(variable).empty(); }
 
-RawStack scanThreadStack(std::uint64_t stackPointer, MinidumpModuleMap const& map) {
-    // On Linux the source is one snapshot of the mappings, taken here.
-    std::unique_ptr<RegionSource> const regions = openRegionSource(0);
+RawStack scanThreadStack(std::uint64_t stackPointer, RegionSource& regions, MinidumpModuleMap const& map) {
     StackExtent extent;
-    if (!regions || !findStackExtent(*regions, stackPointer, extent)) return RawStack();
-    return scanStack(*regions, extent, map);
+    if (!findStackExtent(regions, stackPointer, extent)) return RawStack();
+    return scanStack(regions, extent, map);
 }
 
 StackFrame exceptionFrame(Exception const& exception) {
@@ -39,9 +37,9 @@ StackFrame exceptionFrame(Exception const& exception) {
 }  // namespace
 
 bool collectThreadStack(DumpInfo const& info, Context const& context, MinidumpModuleMap const* map,
-                        ProblemReportStorage& storage) {
+                        RegionSource& regions, ProblemReportStorage& storage) {
     // 1.-2. The stack's end, and the scan for return addresses.
-    RawStack const rawStack = scanThreadStack(context.ESP, *map);
+    RawStack const rawStack = scanThreadStack(context.ESP, regions, *map);
 
     // 3. A raw stack only, asked for.
     if (isSet(L"NORVANE1_COLLECT_RAW_STACK")) {

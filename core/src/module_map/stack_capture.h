@@ -6,6 +6,8 @@
 #include <norvane_1/module_map.h>
 #include <norvane_1/problem_report_storage.h>
 
+#include "region_source.h"
+
 namespace norvane_1 {
 
 // Scans the stack of the thread whose registers are `context` for return
@@ -16,7 +18,8 @@ namespace norvane_1 {
 // NORVANE1_COLLECT_RAW_STACK stores the raw stack and stops there;
 // NORVANE1_KEEP_MODULEMAP keeps the module list whole. False only when the
 // bitness of `info.stackProcessId` can't be told: then nothing is stored.
+// `regions` is the address space the module map was read from.
 bool collectThreadStack(DumpInfo const& info, Context const& context, MinidumpModuleMap const* map,
-                        ProblemReportStorage& storage);
+                        RegionSource& regions, ProblemReportStorage& storage);
 
 }  // namespace norvane_1

@@ -1,6 +1,8 @@
 // Files and directories on POSIX. POSIX code only.
 #include <norvane_1/os_layer.h>
 
+#include "scoped_descriptor_posix.h"
+
 #include <vantix_2_18/utf.h>
 
 #include <dirent.h>
@@ -62,9 +64,7 @@ bool createDirectory(wchar_t const* path) {
 
 std::wstring getTempFileName(std::wstring const& directory, std::wstring const& prefix) {
     std::string pattern = native(addTrailingSeparator(directory) + prefix) + "XXXXXX";
-    int const descriptor = ::mkstemp(&pattern[0]);
-    if (descriptor < 0) return std::wstring();
-    ::close(descriptor);
+    if (!ScopedDescriptor(::mkstemp(&pattern[0])).valid()) return std::wstring();
     ::unlink(pattern.c_str());
     return VANTIX_2_18::utf::from_utf8(pattern);
 }

@@ -7,6 +7,7 @@
 #include <norvane_1/os_layer.h>
 
 #include "minidump_internal/platform.h"
+#include "scoped_descriptor_posix.h"
 
 #include <poll.h>
 #include <signal.h>
@@ -37,25 +38,20 @@ class ProcessDescriptor {
 public:
     explicit ProcessDescriptor(unsigned long pid)
         : m_fd(static_cast<int>(::syscall(SYS_pidfd_open, static_cast<pid_t>(pid), 0))) {}
-    ~ProcessDescriptor() {
-        if (m_fd >= 0) ::close(m_fd);
-    }
-    ProcessDescriptor(ProcessDescriptor const&) = delete;
-    ProcessDescriptor& operator=(ProcessDescriptor const&) = delete;
 
-    bool isOpen() const { return m_fd >= 0; }
+    bool isOpen() const { return m_fd.valid(); }
     // The descriptor turns readable when the process ends (reaped or not).
     bool waitForEnd(int milliseconds) const {
-        pollfd ready{m_fd, POLLIN, 0};
+        pollfd ready{m_fd.get(), POLLIN, 0};
         int result = 0;
         while ((result = ::poll(&ready, 1, milliseconds)) < 0 && errno == EINTR) {
         }
         return result > 0;
     }
-    bool signal(int number) const { return ::syscall(SYS_pidfd_send_signal, m_fd, number, nullptr, 0) == 0; }
+    bool signal(int number) const { return ::syscall(SYS_pidfd_send_signal, m_fd.get(), number, nullptr, 0) == 0; }
 
 private:
-    int m_fd;
+    ScopedDescriptor m_fd;
 };
 
 }  // namespace

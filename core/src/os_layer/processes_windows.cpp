@@ -2,6 +2,8 @@
 // code only.
 #include <norvane_1/os_layer.h>
 
+#include "scoped_handle_windows.h"
+
 #include <windows.h>
 
 namespace norvane_1 {
@@ -10,19 +12,7 @@ namespace {
 
 constexpr DWORD kCloseGraceMilliseconds = 2000;
 
-class ScopedProcess {
-public:
-    ScopedProcess(DWORD access, unsigned long pid) : m_handle(::OpenProcess(access, FALSE, pid)) {}
-    ~ScopedProcess() {
-        if (m_handle != nullptr) ::CloseHandle(m_handle);
-    }
-    ScopedProcess(ScopedProcess const&) = delete;
-    ScopedProcess& operator=(ScopedProcess const&) = delete;
-    HANDLE get() const { return m_handle; }
-
-private:
-    HANDLE m_handle;
-};
+ScopedHandle openProcess(DWORD access, unsigned long pid) { return ScopedHandle(::OpenProcess(access, FALSE, pid)); }
 
 struct WindowSearch {
     DWORD pid;
@@ -48,8 +38,8 @@ std::wstring programName(std::wstring const& path) {
 
 bool isProcessAlive(unsigned long pid) {
     if (pid == 0) return false;
-    ScopedProcess const process(SYNCHRONIZE, pid);
-    return process.get() != nullptr && ::WaitForSingleObject(process.get(), 0) == WAIT_TIMEOUT;
+    ScopedHandle const process = openProcess(SYNCHRONIZE, pid);
+    return process.valid() && ::WaitForSingleObject(process.get(), 0) == WAIT_TIMEOUT;
 }
 
 int runProcess(std::wstring const& path, std::vector<std::wstring> const& arguments) {
@@ -64,18 +54,17 @@ int runProcess(std::wstring const& path, std::vector<std::wstring> const& argume
                           nullptr, &startup, &started)) {
         return -1;
     }
-    ::WaitForSingleObject(started.hProcess, INFINITE);
+    ScopedHandle const thread(started.hThread);
+    ScopedHandle const process(started.hProcess);
+    ::WaitForSingleObject(process.get(), INFINITE);
     DWORD code = 0;
-    int const result = ::GetExitCodeProcess(started.hProcess, &code) ? static_cast<int>(code) : -1;
-    ::CloseHandle(started.hThread);
-    ::CloseHandle(started.hProcess);
-    return result;
+    return ::GetExitCodeProcess(process.get(), &code) ? static_cast<int>(code) : -1;
 }
 
 void closeProcess(unsigned long pid) {
     if (pid == 0 || !isProcessAlive(pid)) return;
-    ScopedProcess const process(SYNCHRONIZE | PROCESS_TERMINATE, pid);
-    if (process.get() == nullptr) return;
+    ScopedHandle const process = openProcess(SYNCHRONIZE | PROCESS_TERMINATE, pid);
+    if (!process.valid()) return;
     WindowSearch search{static_cast<DWORD>(pid)};
     ::EnumWindows(closeFirstWindow, reinterpret_cast<LPARAM>(&search));
     if (::WaitForSingleObject(process.get(), kCloseGraceMilliseconds) != WAIT_OBJECT_0) {

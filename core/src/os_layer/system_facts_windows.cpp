@@ -3,6 +3,7 @@
 
 #include "os_layer/system_facts.h"
 #include "os_layer/windows_version_names.h"
+#include "scoped_handle_windows.h"
 
 #include <windows.h>
 #include <shlobj.h>
@@ -94,21 +95,21 @@ std::uint32_t startProcess(std::wstring const& path, std::vector<std::wstring> c
         commandLine += argument.find(L' ') == std::wstring::npos ? L" " + argument : L" \"" + argument + L"\"";
     }
     STARTUPINFOW startup{};
-    HANDLE nul = INVALID_HANDLE_VALUE;
+    ScopedFileHandle nul;
     if (discardOutput) {
         startup.cb = sizeof startup;
         startup.dwFlags = kUseStandardHandles;
-        nul = ::CreateFileW(L"nul:", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                            OPEN_EXISTING, 0, nullptr);
-        startup.hStdOutput = nul;
+        nul.reset(::CreateFileW(L"nul:", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                OPEN_EXISTING, 0, nullptr));
+        startup.hStdOutput = nul.get();
     }
     PROCESS_INFORMATION started{};
-    BOOL const ok = ::CreateProcessW(path.c_str(), &commandLine[0], nullptr, nullptr, FALSE, kNewProcessGroup,
-                                     nullptr, nullptr, &startup, &started);
-    if (nul != INVALID_HANDLE_VALUE) ::CloseHandle(nul);
-    if (!ok) return 0;
-    ::CloseHandle(started.hThread);
-    ::CloseHandle(started.hProcess);
+    if (!::CreateProcessW(path.c_str(), &commandLine[0], nullptr, nullptr, FALSE, kNewProcessGroup, nullptr, nullptr,
+                          &startup, &started)) {
+        return 0;
+    }
+    ScopedHandle const thread(started.hThread);
+    ScopedHandle const process(started.hProcess);
     return started.dwProcessId;
 }
 

@@ -1,6 +1,8 @@
 // Wide paths become UTF-8 file names on POSIX.
 #include "text_files.h"
 
+#include "scoped_descriptor_posix.h"
+
 #include <vantix_2_18/utf.h>
 
 #include <fcntl.h>
@@ -19,12 +21,11 @@ void openTextFile(std::ifstream& stream, std::wstring const& path, std::ios::ope
 
 // O_APPEND makes each write land at the end of the file as one piece.
 bool appendLine(std::wstring const& path, std::string const& line) {
-    int const file = ::open(VANTIX_2_18::utf::to_utf8(path).c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
-    if (file < 0) return false;
+    ScopedDescriptor const file(
+        ::open(VANTIX_2_18::utf::to_utf8(path).c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666));
+    if (!file.valid()) return false;
     std::string const record = line + "\n";
-    bool const written = ::write(file, record.data(), record.size()) == static_cast<ssize_t>(record.size());
-    ::close(file);
-    return written;
+    return ::write(file.get(), record.data(), record.size()) == static_cast<ssize_t>(record.size());
 }
 
 }  // namespace os_layer

@@ -4,6 +4,8 @@
 // then writes, and two processes doing that at once overwrite each other.
 #include "text_files.h"
 
+#include "scoped_handle_windows.h"
+
 #include <windows.h>
 
 namespace norvane_1 {
@@ -46,20 +48,15 @@ private:
 }  // namespace
 
 bool appendLine(std::wstring const& path, std::string const& line) {
-    HANDLE const file = ::CreateFileW(path.c_str(), FILE_APPEND_DATA | GENERIC_READ,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
+    ScopedFileHandle const file(::CreateFileW(path.c_str(), FILE_APPEND_DATA | GENERIC_READ,
+                                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                              OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file.valid()) return false;
     std::string const record = line + "\r\n";
     DWORD written = 0;
-    bool complete = false;
-    {
-        AppendTurn const turn(file);
-        complete = ::WriteFile(file, record.data(), static_cast<DWORD>(record.size()), &written, nullptr) &&
-                   written == record.size();
-    }
-    ::CloseHandle(file);
-    return complete;
+    AppendTurn const turn(file.get());
+    return ::WriteFile(file.get(), record.data(), static_cast<DWORD>(record.size()), &written, nullptr) &&
+           written == record.size();
 }
 
 }  // namespace os_layer

@@ -66,7 +66,10 @@ public:
         accessors.resume = resume;
         accessors.get_proc_name = procedureName;
         m_space = unw_create_addr_space(&accessors, 0);
-        if (m_space) unw_set_caching_policy(m_space, UNW_CACHE_GLOBAL);
+        // The space serves one walk on one thread: a cache would hardly be
+        // hit, and its lock masks every signal around each use, two system
+        // calls a time.
+        if (m_space) unw_set_caching_policy(m_space, UNW_CACHE_NONE);
     }
     ~LibunwindUnwinder() override {
         if (m_space) unw_destroy_addr_space(m_space);

@@ -2,8 +2,8 @@
 #include "readable_memory_posix.h"
 
 #include <algorithm>
-#include <cinttypes>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -17,10 +17,16 @@ struct FileCloser {
 // "begin-end perms offset device inode [path]". The kernel's own time pages
 // ("[vvar]", "[vvar_vclock]") are listed readable, yet parts of them fault
 // when read.
+// Read with strtoull rather than sscanf, which costs several times as much
+// a line, and a crash reads them all.
 bool readableMapping(char const* line, std::uint64_t& begin, std::uint64_t& end) {
-    char permissions[5] = {};
-    if (std::sscanf(line, "%" SCNx64 "-%" SCNx64 " %4s", &begin, &end, permissions) != 3) return false;
-    return permissions[0] == 'r' && end > begin && std::strstr(line, "[vvar") == nullptr;
+    char* after = nullptr;
+    begin = std::strtoull(line, &after, 16);
+    if (after == line || *after != '-') return false;
+    char const* const second = after + 1;
+    end = std::strtoull(second, &after, 16);
+    if (after == second || *after != ' ') return false;
+    return after[1] == 'r' && end > begin && std::strstr(after, "[vvar") == nullptr;
 }
 
 }  // namespace

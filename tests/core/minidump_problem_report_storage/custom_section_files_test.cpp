@@ -2,6 +2,7 @@
 #include <norvane_1/crash_handling.h>
 #include <norvane_1/problem_report_storage.h>
 
+#include "minidump_problem_report_storage/custom_section_list.h"
 #include "sample_reports.h"
 #include "test_environment.h"
 
@@ -44,7 +45,7 @@ TEST(CustomSectionFiles, HandWrittenListsArePairedAsTheyFall) {
     std::string const a = (logs.path() / "a.txt").string();
     std::string const b = (logs.path() / "b.txt").string();
     // The same name twice (the later file wins), then a name without a path.
-    writeUtf8(logs.path() / "norvane_custom_sections.txt", "Same\n" + a + "\nSame\n" + b + "\nLonely\n");
+    writeUtf8(logs.path() / norvane_1::internal::kCustomSectionListName, "Same\n" + a + "\nSame\n" + b + "\nLonely\n");
     norvane_1::ProblemReportStorage report;
     EXPECT_TRUE(report.appendCustomSections(logs.withSeparator().c_str()));
     EXPECT_EQ(report.getSection(L"Same"), L"second");
@@ -60,7 +61,7 @@ TEST(CustomSectionFiles, NoListIsNoError) {
 TEST(CustomSectionFiles, AProcessDumpTakesItsCreationLogAlong) {
     ScratchDirectory logs("sections-dump");
     writeUtf8(logs.path() / "norvane_creation_log.txt", "label : stamp : text\n");
-    writeUtf8(logs.path() / "norvane_custom_sections.txt", "");
+    writeUtf8(logs.path() / norvane_1::internal::kCustomSectionListName, "");
     norvane_1::ProblemReportStorage report;
     report.setReportPath(logs.withSeparator());
     norvane_1::ProcessDump dump;

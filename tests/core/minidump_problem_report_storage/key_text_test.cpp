@@ -22,12 +22,6 @@ TEST(KeyText, WritesSortedLinesWithABlankBehindTheColon) {
     EXPECT_EQ(norvane_1::processMapToSection({}), L"");
 }
 
-TEST(KeyText, GetGivesEmptyTextForMissingKeys) {
-    StringMap const keys{{L"A", L"1"}};
-    EXPECT_EQ(norvane_1::get(keys, L"A"), L"1");
-    EXPECT_EQ(norvane_1::get(keys, L"B"), L"");
-}
-
 struct ReadCase {
     char const* what;
     std::wstring text;

@@ -1,7 +1,6 @@
 // Pruning the module list to what the stacks pass through, and lookups.
-#include "report_probe.h"
-
 #include <norvane_1/module_map.h>
+#include <norvane_1/problem_report_storage.h>
 
 #include "test_environment.h"
 
@@ -13,7 +12,7 @@
 namespace {
 
 using norvane_1::ModuleInfo;
-using norvane_test::ReportProbe;
+using norvane_1::ProblemReportStorage;
 
 // A module path as the platform writes it, so that its leaf can be cut off.
 std::wstring modulePath(wchar_t const* file) {
@@ -33,15 +32,15 @@ ModuleInfo module(std::wstring name, std::uint64_t base, std::uint64_t begin, st
 // A report whose module list and indexes come from its own text, as after a
 // read-back: a.dll 0x1000-0x2000, b.dll 0x3000 (code from 0x3800)-0x4000,
 // c.dll 0x5000-0x6000.
-void loadModules(ReportProbe& report) {
-    ReportProbe written;
+void loadModules(ProblemReportStorage& report) {
+    ProblemReportStorage written;
     written.getModuleInfo() = {module(modulePath(L"a.dll"), 0x1000, 0x1000, 0x2000),
                                module(modulePath(L"b.dll"), 0x3000, 0x3800, 0x4000),
                                module(modulePath(L"c.dll"), 0x5000, 0x5000, 0x6000)};
     report.fromString(written.toString());
 }
 
-std::vector<std::wstring> namesOf(ReportProbe& report) {
+std::vector<std::wstring> namesOf(ProblemReportStorage& report) {
     std::vector<std::wstring> names;
     for (auto const& m : report.getModuleInfo()) names.push_back(m.FullName);
     return names;
@@ -69,7 +68,7 @@ TEST_F(ModuleUpkeep, PruningKeepsExactlyTheModulesTheStacksPassThrough) {
         {"between modules", {0x2800}, {0x4800}, {}},
     };
     for (auto const& c : cases) {
-        ReportProbe report;
+        ProblemReportStorage report;
         loadModules(report);
         for (auto address : c.cleanAddresses) {
             norvane_1::StackFrame frame;
@@ -95,8 +94,8 @@ TEST_F(ModuleUpkeep, PruningKeepsExactlyTheModulesTheStacksPassThrough) {
 // range a stack passes through stays, the other goes, and the indexes and
 // sections follow.
 TEST_F(ModuleUpkeep, PruningKeepsTheRangeOfAModuleThatAStackPassesThrough) {
-    ReportProbe report;
-    ReportProbe written;
+    ProblemReportStorage report;
+    ProblemReportStorage written;
     written.getModuleInfo() = {module(modulePath(L"a.dll"), 0x1000, 0x1000, 0x1800),
                                module(modulePath(L"a.dll"), 0x1000, 0x1900, 0x2000),
                                module(modulePath(L"c.dll"), 0x5000, 0x5000, 0x6000)};
@@ -114,14 +113,14 @@ TEST_F(ModuleUpkeep, PruningKeepsTheRangeOfAModuleThatAStackPassesThrough) {
 }
 
 TEST_F(ModuleUpkeep, WithoutStacksNothingIsPruned) {
-    ReportProbe report;
+    ProblemReportStorage report;
     loadModules(report);
     EXPECT_FALSE(report.SyncModuleMapWithStackMap());
     EXPECT_EQ(report.getModuleInfo().size(), 3u);
 }
 
 TEST_F(ModuleUpkeep, LookupsByAddressAndName) {
-    ReportProbe report;
+    ProblemReportStorage report;
     loadModules(report);
     ModuleInfo found;
     struct { std::uint64_t address; bool known; } const addresses[] = {
@@ -130,35 +129,29 @@ TEST_F(ModuleUpkeep, LookupsByAddressAndName) {
     };
     for (auto const& a : addresses) EXPECT_EQ(report.findModule(a.address, found), a.known) << std::hex << a.address;
     EXPECT_FALSE(report.findModule(modulePath(L"A.dll"), found));  // names compare exactly
-    // getModulePath counts End as inside, and starts from Base.
-    EXPECT_EQ(report.getModulePath(0x2000).as_string(), modulePath(L"a.dll"));
-    EXPECT_EQ(report.getModulePath(0x3100).as_string(), modulePath(L"b.dll"));
-    EXPECT_EQ(report.getModulePath(0x2800).as_string(), L"");
 }
 
+// The module that holds the exception's address: from its Base up to its
+// End, End included. An address of 0 leaves the module as it was.
 TEST_F(ModuleUpkeep, ExceptionModuleIsNamedByItsAddress) {
-    ReportProbe report;
-    loadModules(report);
-    norvane_1::Exception e;
-    e.description = L"X";
-    e.address = 0x5100;
-    e.module = L"old";
-    report.setException(e);
-    report.updateExceptionSection();
-    EXPECT_EQ(report.getException().module, L"c.dll");
-    e.address = 0x9000;
-    report.setException(e);
-    report.updateExceptionSection();
-    EXPECT_EQ(report.getException().module, L"");
-    e.address = 0;
-    e.module = L"kept";
-    report.setException(e);
-    report.updateExceptionSection();
-    EXPECT_EQ(report.getException().module, L"kept");
+    struct { std::uint64_t address; wchar_t const* module; } const cases[] = {
+        {0x5100, L"c.dll"}, {0x2000, L"a.dll"}, {0x3100, L"b.dll"}, {0x9000, L""}, {0, L"old"},
+    };
+    for (auto const& c : cases) {
+        ProblemReportStorage report;
+        loadModules(report);
+        norvane_1::Exception e;
+        e.description = L"X";
+        e.address = c.address;
+        e.module = L"old";
+        report.setException(e);
+        report.updateExceptionSection();
+        EXPECT_EQ(report.getException().module, c.module) << std::hex << c.address;
+    }
 }
 
 TEST_F(ModuleUpkeep, RangesOfAModuleMapBecomeRecords) {
-    ReportProbe report;
+    ProblemReportStorage report;
     std::wstring name = modulePath(L"a.dll");
     norvane_1::MinidumpAddressRange range{&name[0], 0x1000, 0x1100, 0x1800, 0};
     report.addModuleInfo(&range, true);
@@ -182,7 +175,7 @@ TEST_F(ModuleUpkeep, RangesOfAModuleMapBecomeRecords) {
 // CodeView record naming its program database on Windows; on Linux the
 // program carries its own symbols).
 TEST_F(ModuleUpkeep, DebugFactsComeFromTheModuleFiles) {
-    ReportProbe report;
+    ProblemReportStorage report;
     norvane_1::ModuleInfo self = module(gavrel2::stdpaths::get_program_path().as_string(), 0x1000, 0x1000, 0x2000);
     norvane_1::ModuleInfo missing = module(modulePath(L"missing.dll"), 0x3000, 0x3000, 0x4000);
     report.getModuleInfo() = {self, missing};
@@ -197,7 +190,7 @@ TEST_F(ModuleUpkeep, DebugFactsComeFromTheModuleFiles) {
 }
 
 TEST_F(ModuleUpkeep, ClearingRemovesTheModuleSections) {
-    ReportProbe report;
+    ProblemReportStorage report;
     loadModules(report);
     report.clearModuleInfo();
     EXPECT_TRUE(report.getModuleInfo().empty());

@@ -50,12 +50,4 @@ TEST(ProductInfo, WithoutSupportFilesTheProductServiceIsAsked) {
     EXPECT_NE(report.getFailedProductName().find(L"; "), std::wstring::npos);
 }
 
-TEST(ProductInfo, FailedProductNameJoinsContentsAndBuild) {
-    norvane_1::ProblemReportStorage report;
-    report.setFailedProductName(L"Package ID: x\nPackage Contents: Sample\nTool\nBuild Number: 612345\n");
-    EXPECT_EQ(report.getFailedProductName(), L"SampleTool; 612345");
-    report.setFailedProductName(L"nothing");
-    EXPECT_EQ(report.getFailedProductName(), L"; ");
-}
-
 }  // namespace

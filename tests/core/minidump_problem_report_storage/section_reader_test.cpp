@@ -1,5 +1,5 @@
 // Finding sections in report text.
-#include "report_probe.h"
+#include "minidump_problem_report_storage/section_text.h"
 
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/regex.hpp>
@@ -13,14 +13,13 @@ namespace {
 
 using Sections = std::vector<std::pair<std::wstring, std::wstring>>;
 
-// Every section findNextSection gives, in the order it gives them.
+// Every section nextSection gives, in the order it gives them.
 Sections scan(std::wstring const& text) {
-    norvane_test::ReportProbe probe;
     Sections found;
     std::wstring name;
     std::wstring body;
     for (auto at = text.cbegin(); at != text.cend();) {
-        at = probe.findNextSection(at, name, body, text);
+        at = norvane_1::internal::nextSection(text, at, name, body);
         if (!name.empty()) found.emplace_back(name, body);
     }
     return found;
@@ -53,15 +52,6 @@ TEST(SectionReader, FindsHeadsThatStandOnLinesOfTheirOwn) {
          {{L"Log", L"line"}, {L"Something", L"more"}}},
     };
     for (auto const& c : cases) EXPECT_EQ(scan(c.text), c.expected) << c.what;
-}
-
-TEST(SectionReader, GetSectionByNameReadsRawText) {
-    norvane_test::ReportProbe probe;
-    std::wstring const text = L"\n[A]\nx\n\n[ B ]\ny\n";
-    EXPECT_EQ(probe.getSection(L"A", text), L"\nx\n");
-    EXPECT_EQ(probe.getSection(L"B", text), L"\ny\n");
-    EXPECT_EQ(probe.getSection(L"C", text), L"");
-    EXPECT_EQ(probe.getSection(L"(", text), L"");  // a name that breaks the expression
 }
 
 // The reader in its plainest form: one regular-expression search per head.

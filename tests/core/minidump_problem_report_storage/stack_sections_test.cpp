@@ -1,12 +1,15 @@
-// "Stack.raw.0x<tid>" and "Stack.clean.0x<tid>" sections.
-#include "report_probe.h"
+// "Stack.raw.0x<tid>" and "Stack.clean.0x<tid>" sections. Value forms are
+// in value_forms_test.cpp; the sections as written are in the golden report.
+#include <norvane_1/problem_report_storage.h>
+
+#include "minidump_problem_report_storage/stack_sections.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
 using norvane_1::StackFrame;
-using norvane_test::ReportProbe;
+using norvane_1::ProblemReportStorage;
 
 StackFrame frame(std::uint32_t kind, std::uint64_t slot, std::uint64_t address, std::wstring module = L"") {
     StackFrame f;
@@ -18,36 +21,14 @@ StackFrame frame(std::uint32_t kind, std::uint64_t slot, std::uint64_t address, 
     return f;
 }
 
-TEST(StackSections, ExampleIsWrittenExactlyAndCleanBeforeRaw) {
-    ReportProbe report;
-    report.getStackFramesMap()[0x19e8] = {
-        frame(1, 0x12f820, 0x7ff6a1b20004ULL),
-        frame(4, 0, 0x7ff6a1b23c40ULL, L"sample.dll"),
-        frame(2, 0x12f7a8, 0x7ff6a1b23d10ULL, L"sample.dll"),
-    };
-    report.getStackMap()[0x19e8] = {{0x12f820, 0x7ff6a1b20004ULL}, {0x12f7a8, 0x7ff6a1b23d10ULL}};
-    std::wstring const text = report.toString();
-    EXPECT_NE(text.find(L"[Stack.clean.0x000019e8]\n"
-                        L"! | 0x0000000000000000 | 0x00007ff6a1b23c40 | sample.dll\n"
-                        L"+ | 0x000000000012f7a8 | 0x00007ff6a1b23d10 | sample.dll\n"
-                        L"? | 0x000000000012f820 | 0x00007ff6a1b20004\n"
-                        L"\n\n"
-                        L"[Stack.raw.0x000019e8]\n"
-                        L"0x000000000012f7a8: 0x00007ff6a1b23d10\n"
-                        L"0x000000000012f820: 0x00007ff6a1b20004\n"
-                        L"\n\n"),
-              std::wstring::npos);
-    // Sorting happens on a copy.
-    EXPECT_EQ(report.getStackFramesMap()[0x19e8][0].stackAddress, 0x12f820u);
-}
-
 TEST(StackSections, RoundTripKeepsFramesSortedAndDropsDetails) {
-    ReportProbe written;
+    ProblemReportStorage written;
     written.getStackFramesMap()[5] = {frame(0, 3, 30), frame(3, 1, 10, L"a b.dll"), frame(2, 2, 20)};
     written.getStackMap()[5] = {{1, 2}, {3, 4}};
     written.getStackMap()[6] = {};
-    ReportProbe read;
+    ProblemReportStorage read;
     read.fromString(written.toString());
+    EXPECT_EQ(written.getStackFramesMap()[5][0].stackAddress, 3u);  // the writer sorts a copy
     auto const& frames = read.getStackFramesMap()[5];
     ASSERT_EQ(frames.size(), 3u);
     EXPECT_EQ(frames[0].stackAddress, 1u);
@@ -81,10 +62,10 @@ TEST(StackSections, CleanLinesAreReadColumnByColumn) {
         {L"+ | 0x1\r | 0x2\r", 2, 1, 2, L""},
     };
     for (auto const& c : cases) {
-        ReportProbe report;
-        report.setSection(L"Stack.clean.0x1", L"\n" + c.line + L"\n");
-        report.processStringToStacks();
-        auto const& frames = report.getStackFramesMap()[1];
+        norvane_1::RawStackMap raw;
+        norvane_1::CleanStackMap clean;
+        norvane_1::internal::readStackSections({{L"Stack.clean.0x1", L"\n" + c.line + L"\n"}}, raw, clean);
+        auto const& frames = clean[1];
         ASSERT_EQ(frames.size(), 1u) << std::string(c.line.begin(), c.line.end());
         EXPECT_EQ(frames[0].kind, c.kind);
         EXPECT_EQ(frames[0].stackAddress, c.slot);
@@ -94,38 +75,21 @@ TEST(StackSections, CleanLinesAreReadColumnByColumn) {
 }
 
 TEST(StackSections, RawLinesNeedAColonWithTextOnBothSides) {
-    ReportProbe report;
-    report.setSection(L"Stack.raw.0x1", L":0x1\n0x1:\n0x1\n 0x2 : 0x3 \r\n0x2: 0x4\n");
-    report.processStringToStacks();
-    EXPECT_EQ(report.getStackMap()[1], (norvane_1::RawStack{{2, 4}}));
+    norvane_1::RawStackMap raw;
+    norvane_1::CleanStackMap clean;
+    norvane_1::internal::readStackSections({{L"Stack.raw.0x1", L":0x1\n0x1:\n0x1\n 0x2 : 0x3 \r\n0x2: 0x4\n"}}, raw,
+                                           clean);
+    EXPECT_EQ(raw[1], (norvane_1::RawStack{{2, 4}}));
 }
 
-TEST(StackSections, SectionNamesDecideTheKind) {
-    struct { std::wstring name; bool raw; bool clean; std::uint32_t tid; } const cases[] = {
-        {L"Stack", false, false, 0},
-        {L"Stack.0x000019e8", true, false, 0x19e8},
-        {L"Stack.raw.0x1.0x2", true, false, 2},
-        {L"Stack.clean.0x1.0x2", false, false, 0},
-        {L"Stack.old.0x1", false, false, 0},
-        {L"Stackfoo.0x1", true, false, 1},
-        {L"Stack.clean.0x7", false, true, 7},
-    };
-    for (auto const& c : cases) {
-        ReportProbe report;
-        report.setSection(c.name, L"0x1: 0x2\n");
-        report.processStringToStacks();
-        EXPECT_EQ(report.getStackMap().count(c.tid), c.raw ? 1u : 0u) << std::string(c.name.begin(), c.name.end());
-        EXPECT_EQ(report.getStackFramesMap().count(c.tid), c.clean ? 1u : 0u);
-    }
-}
-
-TEST(StackSections, OldNameIsWrittenBackUnderBothNames) {
-    ReportProbe report;
-    report.fromString(L"[Stack.0x00000003]\n0x1: 0x2\n");
-    std::wstring const text = report.toString();
-    EXPECT_NE(text.find(L"[Stack.0x00000003]\n0x1: 0x2\n"), std::wstring::npos);
-    EXPECT_NE(text.find(L"[Stack.raw.0x00000003]\n0x0000000000000001: 0x0000000000000002\n"),
-              std::wstring::npos);
+// Which names read as which stack is in value_forms_test.cpp; these are
+// neither.
+TEST(StackSections, OtherNamesAreNoStacks) {
+    norvane_1::RawStackMap raw;
+    norvane_1::CleanStackMap clean;
+    norvane_1::internal::readStackSections({{L"Stack", L"0x1: 0x2\n"}, {L"Stack.old.0x7", L"0x1: 0x2\n"}}, raw, clean);
+    EXPECT_TRUE(raw.empty());
+    EXPECT_TRUE(clean.empty());
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The whole report: section order, what a round trip keeps, and the text
 // as the contract between the two platforms' builds.
-#include "report_probe.h"
+#include <norvane_1/problem_report_storage.h>
+
 #include "sample_reports.h"
 
 #include <boost/lexical_cast.hpp>
@@ -12,7 +13,6 @@
 namespace {
 
 using norvane_1::ProblemReportStorage;
-using norvane_test::ReportProbe;
 using norvane_test::withCrLf;
 
 std::string readFile(std::string const& path) {
@@ -21,17 +21,6 @@ std::string readFile(std::string const& path) {
 }
 
 std::string dataFile(char const* name) { return std::string(NORVANE_TEST_DATA_DIR) + "/reports/" + name; }
-
-std::vector<std::wstring> sectionNames(std::wstring const& text) {
-    std::vector<std::wstring> names;
-    std::wstring::size_type at = 0;
-    while ((at = text.find(L"\n[", at)) != std::wstring::npos) {
-        auto const close = text.find(L"]\n", at);
-        names.push_back(text.substr(at + 2, close - at - 2));
-        at = close;
-    }
-    return names;
-}
 
 TEST(WholeReport, NewReportIsAnEmptyProcessDump) {
     ProblemReportStorage report;
@@ -43,47 +32,15 @@ TEST(WholeReport, NewReportIsAnEmptyProcessDump) {
               L"Executable: \nProduct: \nReportPath: \n\n\n");
 }
 
-TEST(WholeReport, SectionsStandInTheirFixedOrder) {
-    auto report = norvane_test::makeRichReport();
-    report.setSection(L"System", L"OS: test");
-    report.setSection(L"Empty", L"");
-    std::wstring const text = L"\n" + report.toString();
-    std::vector<std::wstring> const expected{
-        L"Exception", L"Process", L"Products", L"System", L"ClientInfo", L"Dump", L"PremortalLog",
-        L"Aardvark", L"Context.0x000019e8", L"Device Info", L"Module000", L"Module001",
-        L"Stack.clean.0x000019e8", L"Stack.raw.0x000019e8", L"CreationLog"};
-    EXPECT_EQ(sectionNames(text), expected);
-}
-
-TEST(WholeReport, AssertionGoesBeforeExceptionAndOldTextsStay) {
-    ProblemReportStorage report;
+TEST(WholeReport, AnAssertionIsWrittenRatherThanAnException) {
     norvane_1::Exception e;
     e.description = L"E";
-    report.setException(e);
-    EXPECT_NE(report.toString().find(L"[Exception]"), std::wstring::npos);
     norvane_1::Assertion a;
     a.expression = L"x";
-    report.setAssertion(a);
-    std::wstring const text = report.toString();
-    EXPECT_NE(text.find(L"[Assertion]"), std::wstring::npos);
-    // The exception section set by the first call stays in the map.
-    EXPECT_NE(text.find(L"[Exception]"), std::wstring::npos);
-
     ProblemReportStorage both;
     both.setException(e);
     both.setAssertion(a);
     EXPECT_EQ(both.toString().find(L"[Exception]"), std::wstring::npos);
-}
-
-TEST(WholeReport, SectionMapLookupsCreateEntries) {
-    ProblemReportStorage report;
-    EXPECT_EQ(report.getSection(L"Nothing"), L"");
-    report.setSection(L"", L"ignored");
-    report.setSection(L"Free", L"no line end");
-    report.setSection(L"Keys", L"A: 1\n");
-    std::wstring const text = report.toString();
-    EXPECT_NE(text.find(L"[Free]\nno line end\n\n[Keys]\nA: 1\n\n\n"), std::wstring::npos);
-    EXPECT_EQ(text.find(L"[Nothing]"), std::wstring::npos);
 }
 
 TEST(WholeReport, RoundTripKeepsTheRecords) {
@@ -111,7 +68,7 @@ TEST(WholeReport, RoundTripKeepsTheRecords) {
 }
 
 TEST(WholeReport, FromStringAddsToWhatTheObjectHolds) {
-    ReportProbe report;
+    ProblemReportStorage report;
     report.setSection(L"Kept", L"yes");
     report.getModuleInfo().resize(2);
     report.fromString(L"no sections at all");
@@ -125,20 +82,6 @@ TEST(WholeReport, DamagedNumberStopsTheReaderButKeepsTheSections) {
                  boost::bad_lexical_cast);
     EXPECT_EQ(report.getSection(L"Other"), L"kept");
     EXPECT_EQ(report.getException().code, 5u);
-}
-
-TEST(WholeReport, CrLfTextReadsLikeLfText) {
-    std::wstring const text = norvane_test::makeRichReport().toString();
-    ProblemReportStorage lf;
-    ProblemReportStorage crlf;
-    lf.fromString(text);
-    crlf.fromString(withCrLf(text));
-    EXPECT_EQ(crlf.getModuleInfo(), lf.getModuleInfo());
-    EXPECT_EQ(crlf.getStackMap(), lf.getStackMap());
-    EXPECT_EQ(crlf.getException().description, lf.getException().description);
-    EXPECT_EQ(crlf.getCrashedPid(), lf.getCrashedPid());
-    // Clean frames keep a CR in their module column: the one documented difference.
-    EXPECT_EQ(crlf.getStackFramesMap()[0x19e8][0].module, L"sample tool.dll\r");
 }
 
 // The same report, built in code, must come out of every platform's build as
@@ -163,6 +106,9 @@ TEST(WholeReport, WindowsFileReadsTheSameEverywhere) {
     EXPECT_EQ(read.getSection(L"Device Info"), withCrLf(reference.getSection(L"Device Info")));
     EXPECT_EQ(read.getStackMap(), reference.getStackMap());
     EXPECT_EQ(read.getContextMap()[0x19e8].R15, 0xffffffffffffffffULL);
+    EXPECT_EQ(read.getException().description, reference.getException().description);
+    // Clean frames keep a CR in their module column: the one documented difference.
+    EXPECT_EQ(read.getStackFramesMap()[0x19e8][0].module, L"sample tool.dll\r");
 }
 
 }  // namespace

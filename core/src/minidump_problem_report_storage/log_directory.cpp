@@ -1,7 +1,7 @@
 // Portable code only.
 #include "log_directory.h"
 
-#include "platform.h"
+#include "os_layer/system_facts.h"
 
 #include <norvane_log/log_dir.h>
 
@@ -23,7 +23,7 @@ std::wstring logDirectory() {
 std::wstring directoryOrLogDirectory(wchar_t const* directory) {
     if (directory == nullptr) return logDirectory();
     std::wstring path(directory);
-    if (!path.empty() && !endsWithSeparator(path)) path += platform::pathSeparator();
+    if (!path.empty() && !endsWithSeparator(path)) path += os_layer::platform_facts::pathSeparator();
     return path;
 }
 

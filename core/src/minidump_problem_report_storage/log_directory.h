@@ -1,4 +1,5 @@
-// Where the crash files of this process go. Portable code only.
+// Where the crash files of this process go: the report, the custom-section
+// list, the creation and premortal logs. Portable code only.
 #pragma once
 
 #include <string>
