@@ -1,12 +1,11 @@
 #include "crash_run.h"
 
 #include "cleared_variables.h"
+#include "file_text.h"
 
 #include <vantix_2_18/utf.h>
 
 #include <chrono>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace crash_test {
@@ -17,22 +16,7 @@ constexpr char kHandlerRecord[] = "handler record.txt";
 constexpr char kHostOutput[] = "host output.txt";
 constexpr char kStartedPrefix[] = "started-us: ";
 
-std::string readText(std::filesystem::path const& file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
 }  // namespace
-
-std::vector<std::string> readLines(std::filesystem::path const& file) {
-    std::vector<std::string> lines;
-    std::ifstream in(file, std::ios::binary);
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 CrashRun::CrashRun() : m_scratch("crash"), m_logDirectory(m_scratch.path() / "log dir") {
     for (char const* variable : norvane_test::kClearedVariables) m_environment[variable] = std::nullopt;
@@ -59,7 +43,7 @@ std::unique_ptr<norvane_test::ChildProcess> CrashRun::start(std::string const& k
 
 norvane_test::ChildOutcome CrashRun::run(std::string const& kind) { return start(kind)->wait(kHostTimeLimit); }
 
-std::string CrashRun::logFile(char const* name) const { return readText(m_logDirectory / name); }
+std::string CrashRun::logFile(char const* name) const { return norvane_test::fileText(m_logDirectory / name); }
 
 bool CrashRun::reportWritten() const { return std::filesystem::exists(m_logDirectory / "crash_info.txt"); }
 
@@ -72,7 +56,7 @@ norvane_1::ProblemReportStorage CrashRun::readReport() const {
 std::optional<std::vector<std::string>> CrashRun::handlerArguments() const {
     std::filesystem::path const record = m_scratch.path() / kHandlerRecord;
     if (!std::filesystem::exists(record)) return std::nullopt;
-    std::vector<std::string> lines = readLines(record);
+    std::vector<std::string> lines = norvane_test::fileLines(record);
     if (lines.empty() || lines.back().rfind(kStartedPrefix, 0) != 0) {
         throw std::runtime_error("the handler record has no start time");
     }
@@ -81,9 +65,9 @@ std::optional<std::vector<std::string>> CrashRun::handlerArguments() const {
 }
 
 std::vector<std::string> CrashRun::creationLog() const {
-    return readLines(m_logDirectory / "norvane_creation_log.txt");
+    return norvane_test::fileLines(m_logDirectory / "norvane_creation_log.txt");
 }
 
-std::string CrashRun::hostOutput() const { return readText(m_scratch.path() / kHostOutput); }
+std::string CrashRun::hostOutput() const { return norvane_test::fileText(m_scratch.path() / kHostOutput); }
 
 }  // namespace crash_test

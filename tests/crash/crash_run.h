@@ -9,6 +9,7 @@
 #pragma once
 
 #include "child_process.h"
+#include "file_text.h"
 #include "test_environment.h"
 
 #include <norvane_1/problem_report_storage.h>
@@ -55,8 +56,5 @@ private:
     std::map<std::string, std::optional<std::string>> m_environment;
     std::uint32_t m_hostPid = 0;
 };
-
-// The lines of a text file; none if it can't be read. CR LF counts as LF.
-std::vector<std::string> readLines(std::filesystem::path const& file);
 
 }  // namespace crash_test
