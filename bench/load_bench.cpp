@@ -17,6 +17,7 @@
 //
 // Usage: load_bench [runs] [idle seconds]   (defaults 15 and 5)
 #include "child_process.h"
+#include "cleared_variables.h"
 #include "load_probe.h"
 
 #include <algorithm>
@@ -76,6 +77,8 @@ std::vector<double> runChild(fs::path const& output, int idleSeconds) {
     options.program = norvane_test::programBesideThisOne("load_bench");
     options.arguments = {"--child", std::to_string(idleSeconds)};
     options.standardOutput = output;
+    // A variable of the caller's shell would turn handling off or change it.
+    for (char const* variable : norvane_test::kClearedVariables) options.environment[variable] = std::nullopt;
     norvane_test::ChildOutcome const outcome = norvane_test::ChildProcess(options).wait(std::chrono::seconds(120));
     std::vector<double> figures(5);
     std::ifstream in(output);
