@@ -49,7 +49,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kDefaultRuns = 15;
-constexpr double kCompleteReportTargetMs = 2.5;  // native Release medians
+constexpr double kCompleteReportTargetMs = 1.2;  // native Release medians
 constexpr double kCallbackReportTargetMs = 15.0;
 constexpr double kManyThreadsReportTargetMs = 50.0;
 constexpr double kProcessEndTargetMs = 2.0;
