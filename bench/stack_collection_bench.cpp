@@ -1,7 +1,7 @@
 // Speed of the in-process stack collection: the module map, the scan of
 // the stack, the walk, the pruning of the module list and the debug facts
-// of what is left, as a crash in collect mode 1 runs them, on a thread that
-// waits with 256 KB of frames on its stack. A plain program that prints its
+// of what is left, as a crash in collect mode 1 runs them, on a stack that
+// holds 256 KB of frames. A plain program that prints its
 // figures beside the target, so that it runs on both platforms:
 //
 //   stack_collection_bench [repetitions]
@@ -15,11 +15,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
-#include <mutex>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -31,55 +28,20 @@ constexpr int kFrameBytes = 1024;
 constexpr int kStackBytes = 256 * 1024;
 constexpr double kTargetMs = 1.0;
 
-// A thread whose stack holds kStackBytes of frames, held at the deepest.
-class DeepThread {
-public:
-    DeepThread() : m_thread([this] { descend(kStackBytes / kFrameBytes); }) {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_parked; });
+// Descends kStackBytes of frames, then calls `atTheDeepest` with the
+// registers of the deepest frame while it is live: the stack to collect is
+// this thread's own, as in the fallback's test, and stays as the registers
+// saw it while the collections run below it.
+template <typename Use>
+__attribute__((noinline)) int descend(int depth, Use const& atTheDeepest) {
+    volatile unsigned char frame[kFrameBytes - 64];
+    frame[depth % sizeof frame] = static_cast<unsigned char>(depth);
+    if (depth == 0) {
+        norvane_test::withOwnRegisters([&](norvane_1::Context const& registers, std::uint64_t) { atTheDeepest(registers); });
+        return frame[0];
     }
-    ~DeepThread() {
-        {
-            std::lock_guard<std::mutex> lock(m_mutex);
-            m_released = true;
-        }
-        m_changed.notify_all();
-        m_thread.join();
-    }
-    DeepThread(DeepThread const&) = delete;
-    DeepThread& operator=(DeepThread const&) = delete;
-
-    norvane_1::Context const& registers() const { return m_registers; }
-    std::uint32_t id() const { return m_id; }
-
-private:
-    __attribute__((noinline)) int descend(int depth) {
-        volatile unsigned char frame[kFrameBytes - 64];
-        frame[depth % sizeof frame] = static_cast<unsigned char>(depth);
-        if (depth == 0) {
-            norvane_test::withOwnRegisters([this](norvane_1::Context const& registers, std::uint64_t) { park(registers); });
-            return frame[0];
-        }
-        return descend(depth - 1) + frame[depth % sizeof frame];  // no tail call: every frame stays
-    }
-
-    void park(norvane_1::Context const& registers) {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_registers = registers;
-        m_id = norvane_1::platform::currentThreadId();
-        m_parked = true;
-        m_changed.notify_all();
-        m_changed.wait(lock, [this] { return m_released; });
-    }
-
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_parked = false;
-    bool m_released = false;
-    norvane_1::Context m_registers;
-    std::uint32_t m_id = 0;
-    std::thread m_thread;
-};
+    return descend(depth - 1, atTheDeepest) + frame[depth % sizeof frame];  // no tail call: every frame stays
+}
 
 // The collection as the worker runs it, on a report of its own each time.
 class CollectingState : public norvane_test::PlainHandlerState {
@@ -102,24 +64,25 @@ int main(int argc, char** argv) {
     }
     norvane_test::ScratchDirectory logs("stack-collection-bench");
     norvane_test::ScopedVariable logDirectory("NORVANE_LOG_DIR", logs.path().string());
-    DeepThread thread;
     CollectingState state;
-    norvane_1::DumpInfo info;
-    info.crashedThreadId = thread.id();
-    info.stackProcessId = norvane_1::platform::currentProcessId();
-    info.exception.address = thread.registers().EIP;
-
+    std::uint32_t const thread = norvane_1::platform::currentThreadId();
     std::vector<double> times;
     std::size_t frames = 0;
     std::size_t modules = 0;
-    for (int i = 0; i < repetitions; ++i) {
-        state.prepare(thread.registers());
-        Clock::time_point const start = Clock::now();
-        state.inProcessStackCollect(info);
-        times.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
-        frames = state.report().getStackFramesMap()[thread.id()].size();
-        modules = state.report().getModuleInfo().size();
-    }
+    descend(kStackBytes / kFrameBytes, [&](norvane_1::Context const& registers) {
+        norvane_1::DumpInfo info;
+        info.crashedThreadId = thread;
+        info.stackProcessId = norvane_1::platform::currentProcessId();
+        info.exception.address = registers.EIP;
+        for (int i = 0; i < repetitions; ++i) {
+            state.prepare(registers);
+            Clock::time_point const start = Clock::now();
+            state.inProcessStackCollect(info);
+            times.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+            frames = state.report().getStackFramesMap()[thread].size();
+            modules = state.report().getModuleInfo().size();
+        }
+    });
     std::sort(times.begin(), times.end());
     std::printf("stack_collection_bench: %d collections of a thread with %d KB of frames (%zu frames, %zu modules kept)\n",
                 repetitions, kStackBytes / 1024, frames, modules);

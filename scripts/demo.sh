@@ -38,9 +38,8 @@ printf '%s\n' "$(date '+%F %T') INFO  demo host started" "$(date '+%F %T') INFO 
 norvane_log "running: crash_host custom-sections (log directory $logs)"
 status=0
 # Settings from the caller's shell must not turn handling off or divert it.
-env -u NORVANE_DISABLE_EXCEPTION_HANDLER -u NORVANE_CRASH_HANDLER -u KELMUR_FEEDBACK_EXIT_CODE \
-    -u NORVANE1_NO_CREATION_LOG -u NORVANEMINIDUMP1_OUTOFPROCESS_COLLECT -u NORVANE1_COLLECT_RAW_STACK \
-    -u NORVANE1_KEEP_MODULEMAP -u NORVANEMINIDUMP1_INPROCESS_COLLECT NORVANE_LOG_DIR="$logs" \
+readarray -t cleared < <(grep '^[A-Z]' tests/support/cleared_variables.txt)
+env "${cleared[@]/#/--unset=}" NORVANE_LOG_DIR="$logs" \
     build/linux/bin/crash_host custom-sections || status=$?
 [[ $status -eq 3 ]] || norvane_die "crash_host ended with $status, not with the library's exit code 3"
 
@@ -53,8 +52,7 @@ build/linux/bin/kelmur-feedback -show-report "$logs/crash_info.txt"
 ondemand="$logs/on-demand"
 mkdir -p "$ondemand"
 norvane_log "running: crash_host on-demand-report (a report of a live process, log directory $ondemand)"
-env -u NORVANE_DISABLE_EXCEPTION_HANDLER -u NORVANE_CRASH_HANDLER -u NORVANE1_NO_CREATION_LOG \
-    NORVANE_LOG_DIR="$ondemand" build/linux/bin/crash_host on-demand-report \
+env "${cleared[@]/#/--unset=}" NORVANE_LOG_DIR="$ondemand" build/linux/bin/crash_host on-demand-report \
     || norvane_die "the on-demand report failed"
 report="$(ls "$ondemand"/report-*.txt)"
 norvane_log "its threads' stacks, from $report:"

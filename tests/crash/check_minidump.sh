@@ -20,9 +20,10 @@ fail() {
     exit 1
 }
 
+# Whatever of cleared_variables.txt the caller's shell holds must not reach the host.
+readarray -t cleared < <(grep '^[A-Z]' "$(dirname "${BASH_SOURCE[0]}")/../support/cleared_variables.txt")
 status=0
-env -u NORVANE_CRASH_HANDLER -u NORVANE_DISABLE_EXCEPTION_HANDLER -u NORVANEMINIDUMP1_INPROCESS_COLLECT \
-    -u KELMUR_FEEDBACK_EXIT_CODE NORVANE_LOG_DIR="Z:${log_dir//\//\\}\\" \
+env "${cleared[@]/#/--unset=}" NORVANE_LOG_DIR="Z:${log_dir//\//\\}\\" \
     "$emulator" "$host" call-chain >"$work/host.txt" 2>&1 || status=$?
 [[ $status -eq 3 ]] || fail "the host ended with $status, not with 3: $(cat "$work/host.txt")"
 [[ -s "$log_dir/crash.dmp" ]] || fail "no crash.dmp: $(cat "$work/host.txt")"

@@ -43,11 +43,11 @@ fail() {
 }
 
 collect=(NORVANEMINIDUMP1_INPROCESS_COLLECT=1 KELMUR_FEEDBACK_KEEP_REPORT=1)
-[[ ${CHAIN_COLLECT:-} == outside ]] && collect=(-u NORVANEMINIDUMP1_INPROCESS_COLLECT)
+[[ ${CHAIN_COLLECT:-} == outside ]] && collect=()
+# Whatever of cleared_variables.txt the caller's shell holds must not reach the host.
+readarray -t cleared < <(grep '^[A-Z]' "$(dirname "${BASH_SOURCE[0]}")/../support/cleared_variables.txt")
 status=0
-env -u NORVANE_CRASH_HANDLER -u NORVANE_DISABLE_EXCEPTION_HANDLER -u NORVANEMINIDUMP1_OUTOFPROCESS_COLLECT \
-    -u NORVANE1_COLLECT_RAW_STACK -u NORVANE1_KEEP_MODULEMAP -u KELMUR_FEEDBACK_EXIT_CODE \
-    "${collect[@]}" KELMUR_FEEDBACK_NO_DUMP=1 NORVANE_LOG_DIR="$log_dir_argument" \
+env "${cleared[@]/#/--unset=}" "${collect[@]}" KELMUR_FEEDBACK_NO_DUMP=1 NORVANE_LOG_DIR="$log_dir_argument" \
     $emulator "$host" "$kind" >"$work/host output.txt" 2>&1 || status=$?
 [[ $status -eq 3 ]] || fail "the host ended with $status, not with 3: $(cat "$work/host output.txt")"
 

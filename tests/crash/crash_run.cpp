@@ -1,10 +1,11 @@
 #include "crash_run.h"
 
+#include "cleared_variables.h"
+#include "file_text.h"
+
 #include <vantix_2_18/utf.h>
 
 #include <chrono>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace crash_test {
@@ -12,59 +13,13 @@ namespace {
 
 constexpr std::chrono::seconds kHostTimeLimit{60};
 constexpr char kHandlerRecord[] = "handler record.txt";
-constexpr char kLibraryLog[] = "library.log";
 constexpr char kHostOutput[] = "host output.txt";
 constexpr char kStartedPrefix[] = "started-us: ";
 
-// Whatever of these the developer's shell holds must not reach the host.
-constexpr char const* kLibraryVariables[] = {
-    "NORVANE_CRASH_HANDLER",
-    "NORVANE_DISABLE_EXCEPTION_HANDLER",
-    "NORVANE_LOG_CONFIG",
-    "NORVANEMINIDUMP1_INPROCESS_COLLECT",
-    "NORVANEMINIDUMP1_OUTOFPROCESS_COLLECT",
-    "NORVANE_CRASH_HANDLER_TCP_PORT",
-    "NORVANE_CRASH_HANDLER_CLIENT_CERTIFICATE_PATH",
-    "NORVANE_CRASH_HANDLER_CLIENT_CERTIFICATE_KEY_PATH",
-    "NORVANE_CRASH_HANDLER_SERVER_CERTIFICATE_PATH",
-    "KELMUR_FEEDBACK_EXIT_CODE",
-    "KELMUR_PRODUCT_BIN_DIR",
-    "CRASH_HOST_TIMESTAMP_FILE",
-};
-
-std::string readText(std::filesystem::path const& file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-// log4cplus reads the File value as it stands: forward slashes need no
-// escaping and Windows takes them too. The handler loads the library as
-// well and reads the same configuration: only appending keeps it from
-// cutting the host's lines off.
-void writeLogConfig(std::filesystem::path const& config, std::filesystem::path const& log) {
-    std::ofstream(config, std::ios::binary)
-        << "log4cplus.rootLogger=INFO, F\n"
-        << "log4cplus.appender.F=log4cplus::FileAppender\n"
-        << "log4cplus.appender.F.File=" << log.generic_u8string() << "\n"
-        << "log4cplus.appender.F.Append=true\n"
-        << "log4cplus.appender.F.layout=log4cplus::PatternLayout\n"
-        << "log4cplus.appender.F.layout.ConversionPattern=%m%n\n";
-}
-
 }  // namespace
 
-std::vector<std::string> readLines(std::filesystem::path const& file) {
-    std::vector<std::string> lines;
-    std::ifstream in(file, std::ios::binary);
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(line);
-    }
-    return lines;
-}
-
 CrashRun::CrashRun() : m_scratch("crash"), m_logDirectory(m_scratch.path() / "log dir") {
-    for (char const* variable : kLibraryVariables) m_environment[variable] = std::nullopt;
+    for (char const* variable : norvane_test::kClearedVariables) m_environment[variable] = std::nullopt;
     set("NORVANE_LOG_DIR", m_logDirectory.u8string());
     set("KELMUR_FEEDBACK_RECORD", (m_scratch.path() / kHandlerRecord).u8string());
     // The minidump costs seconds under Wine; the tests of the dump ask for it.
@@ -73,12 +28,6 @@ CrashRun::CrashRun() : m_scratch("crash"), m_logDirectory(m_scratch.path() / "lo
 
 void CrashRun::set(std::string const& name, std::optional<std::string> const& value) {
     m_environment[name] = value;
-}
-
-void CrashRun::captureLibraryLog() {
-    std::filesystem::path const config = m_scratch.path() / "log4cplus.properties";
-    writeLogConfig(config, m_scratch.path() / kLibraryLog);
-    set("NORVANE_LOG_CONFIG", config.u8string());
 }
 
 std::unique_ptr<norvane_test::ChildProcess> CrashRun::start(std::string const& kind) {
@@ -94,7 +43,7 @@ std::unique_ptr<norvane_test::ChildProcess> CrashRun::start(std::string const& k
 
 norvane_test::ChildOutcome CrashRun::run(std::string const& kind) { return start(kind)->wait(kHostTimeLimit); }
 
-std::string CrashRun::logFile(char const* name) const { return readText(m_logDirectory / name); }
+std::string CrashRun::logFile(char const* name) const { return norvane_test::fileText(m_logDirectory / name); }
 
 bool CrashRun::reportWritten() const { return std::filesystem::exists(m_logDirectory / "crash_info.txt"); }
 
@@ -107,7 +56,7 @@ norvane_1::ProblemReportStorage CrashRun::readReport() const {
 std::optional<std::vector<std::string>> CrashRun::handlerArguments() const {
     std::filesystem::path const record = m_scratch.path() / kHandlerRecord;
     if (!std::filesystem::exists(record)) return std::nullopt;
-    std::vector<std::string> lines = readLines(record);
+    std::vector<std::string> lines = norvane_test::fileLines(record);
     if (lines.empty() || lines.back().rfind(kStartedPrefix, 0) != 0) {
         throw std::runtime_error("the handler record has no start time");
     }
@@ -115,8 +64,10 @@ std::optional<std::vector<std::string>> CrashRun::handlerArguments() const {
     return lines;
 }
 
-std::vector<std::string> CrashRun::libraryLog() const { return readLines(m_scratch.path() / kLibraryLog); }
+std::vector<std::string> CrashRun::creationLog() const {
+    return norvane_test::fileLines(m_logDirectory / "norvane_creation_log.txt");
+}
 
-std::string CrashRun::hostOutput() const { return readText(m_scratch.path() / kHostOutput); }
+std::string CrashRun::hostOutput() const { return norvane_test::fileText(m_scratch.path() / kHostOutput); }
 
 }  // namespace crash_test

@@ -3,12 +3,13 @@
 // the library's log and the host's output.
 //
 // The log directory has a blank in its path, so that every run also shows
-// that paths reach the handler as one argument each. Variables of the
-// library that the test's own environment may hold are removed for the host
-// unless the test sets them.
+// that paths reach the handler as one argument each. The variables of
+// cleared_variables.txt that the test's own environment may hold are removed
+// for the host unless the test sets them.
 #pragma once
 
 #include "child_process.h"
+#include "file_text.h"
 #include "test_environment.h"
 
 #include <norvane_1/problem_report_storage.h>
@@ -28,8 +29,6 @@ public:
 
     // A variable for the host; no value removes it.
     void set(std::string const& name, std::optional<std::string> const& value);
-    // Lets the library log its lines (log4cplus, through NORVANE_LOG_CONFIG).
-    void captureLibraryLog();
 
     // Starts crash_host with `kind` and waits for its end, at most 60 s.
     norvane_test::ChildOutcome run(std::string const& kind);
@@ -47,7 +46,8 @@ public:
     norvane_1::ProblemReportStorage readReport() const;
     // The arguments the handler recorded; nothing if it never started.
     std::optional<std::vector<std::string>> handlerArguments() const;
-    std::vector<std::string> libraryLog() const;
+    // The records of norvane_creation_log.txt, one a line.
+    std::vector<std::string> creationLog() const;
     std::string hostOutput() const;
 
 private:
@@ -56,8 +56,5 @@ private:
     std::map<std::string, std::optional<std::string>> m_environment;
     std::uint32_t m_hostPid = 0;
 };
-
-// The lines of a text file; none if it can't be read. CR LF counts as LF.
-std::vector<std::string> readLines(std::filesystem::path const& file);
 
 }  // namespace crash_test

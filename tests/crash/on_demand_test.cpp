@@ -35,7 +35,7 @@ std::vector<std::string> reportFiles(std::filesystem::path const& directory) {
 }
 
 norvane_1::ProblemReportStorage readReport(std::filesystem::path const& file) {
-    std::vector<std::string> const lines = crash_test::readLines(file);
+    std::vector<std::string> const lines = norvane_test::fileLines(file);
     std::string text;
     for (auto const& line : lines) text += line + "\n";
     norvane_1::ProblemReportStorage report;
@@ -136,7 +136,7 @@ TEST(OnDemandReport, SendFeedbackOfALiveProcessCarriesEveryThreadsStack) {
     ASSERT_TRUE(norvane_1::sendFeedback(true, host->pid(), directory.c_str()));
 
     // The second run of the tool sent what the first completed.
-    EXPECT_EQ(crash_test::readLines(record).front(), "-send-crash-report");
+    EXPECT_EQ(norvane_test::fileLines(record).front(), "-send-crash-report");
     auto const requests = server.requests();
     ASSERT_EQ(requests.size(), 1u);
     norvane_1::ProblemReportStorage report;

@@ -87,7 +87,7 @@ TEST(ReportExtras, AFinishedReportCarriesTheHostsDataInItsPlace) {
     EXPECT_EQ(withoutCarriageReturns(report.getSection(journal)), wide(std::string(u8"Запись: готово\n记录: 完成")));
     EXPECT_EQ(norvane_1::get(crash_test::sectionKeys(report, L"ClientInfo"), L"Answer"), L"42");
 
-    std::vector<std::string> const log = crash_test::readLines(run.logDirectory() / "norvane_creation_log.txt");
+    std::vector<std::string> const log = run.creationLog();
     EXPECT_TRUE(crash_test::recordsInOrder(log, kCrashPathRecords));
     EXPECT_EQ(std::count_if(log.begin(), log.end(),
                             [](std::string const& line) { return std::regex_match(line, std::regex(kHandOverRecord)); }),
@@ -100,7 +100,7 @@ TEST(ReportExtras, WithoutTheCreationLogSectionTheLogStillGrows) {
     CrashRun run;
     run.set("NORVANE1_NO_CREATION_LOG", std::string("1"));
     ASSERT_TRUE(crash_test::handledByLibrary(run.run("custom-sections")));
-    EXPECT_GT(crash_test::readLines(run.logDirectory() / "norvane_creation_log.txt").size(), 10u);
+    EXPECT_GT(run.creationLog().size(), 10u);
     std::vector<std::wstring> const order = sectionOrder(run.logFile("crash_info.txt"));
     EXPECT_EQ(std::count(order.begin(), order.end(), L"CreationLog"), 0);
     EXPECT_EQ(std::count(order.begin(), order.end(), L"Device Info"), 1);
@@ -129,7 +129,7 @@ TEST(ReportExtras, TwoProcessesWritingTheCreationLogAtOnce) {
     }
     std::regex const record(R"(^crash_host::writeCreationLogRecords : \S+ : writer ([AB]) record (\d+)$)");
     std::map<std::string, int> nextOf{{"A", 0}, {"B", 0}};
-    for (auto const& line : crash_test::readLines(run.logDirectory() / "norvane_creation_log.txt")) {
+    for (auto const& line : run.creationLog()) {
         std::smatch match;
         ASSERT_TRUE(std::regex_match(line, match, record)) << "torn line: " << line;
         EXPECT_EQ(std::stoi(match[2]), nextOf[match[1]]++) << line;

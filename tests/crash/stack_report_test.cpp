@@ -68,7 +68,7 @@ TEST(InProcessStack, StartsAtTheFaultAndNamesEachFramesModule) {
     EXPECT_FALSE(program.SymbolName.empty());
     EXPECT_NE(program.Guid.Data1, 0u);
     std::regex const collected("norvane_1::HandlerState::inProcessStackCollect : .* : Stack successfully collected");
-    auto const log = crash_test::readLines(run.logDirectory() / "norvane_creation_log.txt");
+    auto const log = run.creationLog();
     EXPECT_TRUE(std::any_of(log.begin(), log.end(), [&](std::string const& line) { return std::regex_match(line, collected); }));
 }
 
@@ -119,7 +119,7 @@ TEST(OutsideStacks, ADefaultCrashGetsEveryThreadsStackFromOutside) {
     EXPECT_EQ(moduleOf(stack->second[1]), wide(std::string(crash_test::kHostProcessName)));
     // The host's main thread and the library's own threads at the least.
     EXPECT_GE(report.getStackFramesMap().size(), 3u);
-    EXPECT_TRUE(crash_test::recordsInOrder(crash_test::readLines(run.logDirectory() / "norvane_creation_log.txt"),
+    EXPECT_TRUE(crash_test::recordsInOrder(run.creationLog(),
                                            {"kelmur_feedback::collectCrashStacks : .* : Stacks of [0-9]+ threads "
                                             "collected from outside"}));
 }
@@ -138,7 +138,7 @@ TEST(OutsideStacks, WhenOutsideFailsTheCrashedProcessCollectsOverTheTaskService)
     EXPECT_EQ(stack->second[0].kind, kExceptionFrame);
     EXPECT_EQ(moduleOf(stack->second[1]), wide(std::string(crash_test::kHostProcessName)));
 
-    auto const log = crash_test::readLines(run.logDirectory() / "norvane_creation_log.txt");
+    auto const log = run.creationLog();
     std::string const server = "norvane_1::ExecuteMinidumpTaskThread::operator\\(\\) : .* : ";
     EXPECT_TRUE(crash_test::recordsInOrder(
         log, {"norvane_1::startExecuteMinidumpTaskthread : .* : EMT Service started!", server + "Create THE PIPE",

@@ -1,12 +1,11 @@
 // Replays the fuzz seed corpus and every input the fuzzer ever found a fault
 // with, on every platform, as ordinary tests.
+#include "file_text.h"
 #include "report_fuzz_entry.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -27,8 +26,7 @@ void replay(fs::path const& directory) {
     EXPECT_FALSE(inputs.empty()) << directory;
     for (auto const& path : inputs) {
         SCOPED_TRACE(path.string());
-        std::ifstream in(path, std::ios::binary);
-        std::string const bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        std::string const bytes = norvane_test::fileText(path);
         std::string failure;
         EXPECT_NO_THROW(failure = norvane_fuzz::checkReportText(
                             reinterpret_cast<std::uint8_t const*>(bytes.data()), bytes.size()));

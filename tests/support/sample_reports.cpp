@@ -76,7 +76,10 @@ ProblemReportStorage makeRichReport() {
     return report;
 }
 
-ProblemReportStorage makeLargeReport(LargeReportShape const& shape) {
+ProblemReportStorage makeLargeReport() {
+    struct {
+        int modules = 300, threads = 8, cleanFrames = 200, rawSlots = 2500, premortalLines = 100, customSections = 20;
+    } const shape;
     ProblemReportStorage report = makeRichReport();
     auto& modules = report.getModuleInfo();
     modules.clear();

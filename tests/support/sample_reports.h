@@ -13,17 +13,10 @@ namespace norvane_test {
 // and a creation log. Its text is the same on every platform.
 norvane_1::ProblemReportStorage makeRichReport();
 
-struct LargeReportShape {
-    int modules = 300;
-    int threads = 8;
-    int cleanFrames = 200;
-    int rawSlots = 2500;
-    int premortalLines = 100;
-    int customSections = 20;
-};
-
-// A report of realistic size (about 1 MB of text with the default shape).
-norvane_1::ProblemReportStorage makeLargeReport(LargeReportShape const& shape = {});
+// A report of realistic size, about 1 MB of text: 300 modules, 8 threads
+// with contexts, clean stacks of 200 frames and raw stacks of 2500 slots, a
+// 100-line premortal log and 20 custom sections.
+norvane_1::ProblemReportStorage makeLargeReport();
 
 // The text of a file as UTF-8 bytes, and back.
 std::string toUtf8(std::wstring const& text);

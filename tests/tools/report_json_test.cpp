@@ -2,13 +2,12 @@
 // same report text, with structure where the report has it; JSON that
 // describes no report is refused with a reason.
 #include "report_json.h"
+#include "file_text.h"
 #include "sample_reports.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <functional>
-#include <iterator>
 
 namespace {
 
@@ -32,14 +31,9 @@ class ReportJson : public testing::TestWithParam<RoundTripCase> {};
 
 std::string dataFile(char const* name) { return std::string(NORVANE_TEST_DATA_DIR) + "/reports/" + name; }
 
-std::wstring fileText(char const* name) {
-    std::ifstream in(dataFile(name), std::ios::binary);
-    return norvane_test::fromUtf8(std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()));
-}
-
 ProblemReportStorage readFrom(char const* name) {
     ProblemReportStorage report;
-    report.fromString(fileText(name));
+    report.fromString(norvane_test::fromUtf8(norvane_test::fileText(dataFile(name))));
     return report;
 }
 

@@ -3,6 +3,7 @@
 // what stayed behind is checked from outside. Then sends one after another
 // under the size cap and the interval per product.
 #include "child_process.h"
+#include "file_text.h"
 #include "loopback_http_server.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +11,6 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
 #include <set>
 
@@ -32,11 +32,6 @@ struct SendingCase {
 void PrintTo(SendingCase const& test, std::ostream* out) { *out << test.name; }
 
 class ReportSending : public testing::TestWithParam<SendingCase> {};
-
-std::string fileText(fs::path const& file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
 
 TEST_P(ReportSending, DeliversOrKeepsTheReport) {
     SendingCase const& test = GetParam();
@@ -79,7 +74,7 @@ TEST_P(ReportSending, DeliversOrKeepsTheReport) {
     fs::path const kept = scratch / "outbox" / report.filename();
     EXPECT_EQ(fs::exists(kept), test.keptInOutbox);
     if (test.keptInOutbox) {
-        EXPECT_EQ(fileText(kept), text);
+        EXPECT_EQ(norvane_test::fileText(kept), text);
     }
     fs::remove_all(scratch);
 }
@@ -152,7 +147,7 @@ TEST_P(PacedSending, KeepsWhatMayNotGoAndSendsItWithTheNext) {
         auto const outcome = norvane_test::ChildProcess(options).wait(std::chrono::seconds(60));
         ASSERT_TRUE(outcome.finished && outcome.exited) << send.report;
         EXPECT_EQ(outcome.exitCode, static_cast<std::uint32_t>(send.exitCode)) << send.report;
-        std::string const output = fileText(scratch / "output.txt");
+        std::string const output = norvane_test::fileText(scratch / "output.txt");
         if (send.says) {
             EXPECT_NE(output.find(send.says), std::string::npos) << output;
         }

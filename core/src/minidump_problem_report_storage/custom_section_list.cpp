@@ -49,11 +49,10 @@ ListAddition addToCustomSectionList(std::wstring const& folder, std::wstring con
     if (!readCustomSectionList(folder, list)) return ListAddition::fileError;
     if (names(list, name)) return ListAddition::nameTaken;
 
-    std::ofstream out;
-    os_layer::openTextFile(out, listPath, std::ios::out | std::ios::app);
-    if (!out || !out.good()) return ListAddition::fileError;
-    out << VANTIX_2_18::utf::to_utf8(name) << std::endl << VANTIX_2_18::utf::to_utf8(path) << std::endl;
-    return out.good() ? ListAddition::added : ListAddition::fileError;
+    // Name and path in one write: two programs, or two threads, adding at
+    // once must not interleave their pairs.
+    bool const added = os_layer::appendLines(listPath, {VANTIX_2_18::utf::to_utf8(name), VANTIX_2_18::utf::to_utf8(path)});
+    return added ? ListAddition::added : ListAddition::fileError;
 }
 
 }  // namespace internal

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <fstream>
+#include <initializer_list>
 #include <string>
 
 namespace norvane_1 {
@@ -18,6 +19,9 @@ void openTextFile(std::ifstream& stream, std::wstring const& path, std::ios::ope
 // processes appending at once interleave whole, never torn or lost. The
 // platform's line end follows. False if the file can't be opened or written.
 bool appendLine(std::wstring const& path, std::string const& line);
+// The same for lines that belong together, in one write: they stay together
+// between other processes' and threads' lines.
+bool appendLines(std::wstring const& path, std::initializer_list<std::string> lines);
 
 }  // namespace os_layer
 }  // namespace norvane_1

@@ -20,11 +20,14 @@ void openTextFile(std::ifstream& stream, std::wstring const& path, std::ios::ope
 }
 
 // O_APPEND makes each write land at the end of the file as one piece.
-bool appendLine(std::wstring const& path, std::string const& line) {
+bool appendLine(std::wstring const& path, std::string const& line) { return appendLines(path, {line}); }
+
+bool appendLines(std::wstring const& path, std::initializer_list<std::string> lines) {
     ScopedDescriptor const file(
         ::open(VANTIX_2_18::utf::to_utf8(path).c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666));
     if (!file.valid()) return false;
-    std::string const record = line + "\n";
+    std::string record;
+    for (std::string const& line : lines) record.append(line).append("\n");
     return ::write(file.get(), record.data(), record.size()) == static_cast<ssize_t>(record.size());
 }
 

@@ -47,12 +47,15 @@ private:
 
 }  // namespace
 
-bool appendLine(std::wstring const& path, std::string const& line) {
+bool appendLine(std::wstring const& path, std::string const& line) { return appendLines(path, {line}); }
+
+bool appendLines(std::wstring const& path, std::initializer_list<std::string> lines) {
     ScopedFileHandle const file(::CreateFileW(path.c_str(), FILE_APPEND_DATA | GENERIC_READ,
                                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                               OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file.valid()) return false;
-    std::string const record = line + "\r\n";
+    std::string record;
+    for (std::string const& line : lines) record.append(line).append("\r\n");
     DWORD written = 0;
     AppendTurn const turn(file.get());
     return ::WriteFile(file.get(), record.data(), static_cast<DWORD>(record.size()), &written, nullptr) &&

@@ -1,6 +1,7 @@
 // The files beside a report: the creation log and the custom-section list.
 #include <norvane_1/crash_handling.h>
 
+#include "file_text.h"
 #include "test_environment.h"
 
 #include <gtest/gtest.h>
@@ -13,13 +14,6 @@ namespace {
 
 using norvane_test::ScratchDirectory;
 
-std::vector<std::string> linesOf(std::filesystem::path const& file) {
-    std::ifstream in(file);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    return lines;
-}
-
 TEST(CreationLog, OneLinePerRecordInOrder) {
     ScratchDirectory directory("creation-log");
     std::wstring const withoutSeparator = directory.path().wstring();
@@ -27,7 +21,7 @@ TEST(CreationLog, OneLinePerRecordInOrder) {
     norvane_1::addCreationLogRecord("second", L"two words", directory.withSeparator().c_str());
     norvane_1::addCreationLogRecord(nullptr, L"no label", withoutSeparator.c_str());
     norvane_1::addCreationLogRecord("no text", L"", withoutSeparator.c_str());
-    auto const lines = linesOf(directory.path() / "norvane_creation_log.txt");
+    auto const lines = norvane_test::fileLines(directory.path() / "norvane_creation_log.txt");
     ASSERT_EQ(lines.size(), 2u);
     std::regex const shape(R"(^(\S+) : \d{4}-\d\d-\d\d-\d\d-\d\d-\d\d-\d{1,3} : (.*)$)");
     std::smatch match;
@@ -58,7 +52,7 @@ TEST(CustomSections, RegistrationResults) {
     EXPECT_EQ(addCrashReportCustomSection(L"A", L"a.txt", folder.c_str()), norvane_1::custom_section_added);
     EXPECT_EQ(addCrashReportCustomSection(L"A", L"other.txt", folder.c_str()), norvane_1::custom_section_exists);
     EXPECT_EQ(addCrashReportCustomSection(L"B", L"b.txt", folder.c_str()), norvane_1::custom_section_added);
-    EXPECT_EQ(linesOf(directory.path() / "norvane_custom_sections.txt"),
+    EXPECT_EQ(norvane_test::fileLines(directory.path() / "norvane_custom_sections.txt"),
               (std::vector<std::string>{"A", "a.txt", "B", "b.txt"}));
 }
 

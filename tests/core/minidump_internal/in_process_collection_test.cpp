@@ -6,14 +6,13 @@
 #include "plain_handler_state.h"
 
 #include "minidump_internal/platform.h"
+#include "file_text.h"
 #include "own_registers.h"
 #include "test_environment.h"
 
 #include <gavrel2/file_content.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 
 namespace {
 
@@ -50,10 +49,7 @@ protected:
         return report;
     }
 
-    std::string fileBytes() const {
-        std::ifstream in(logs.path() / "crash_info.txt", std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    }
+    std::string fileBytes() const { return norvane_test::fileText(logs.path() / "crash_info.txt"); }
 };
 
 TEST_F(FallbackInProcess, AReportWithoutTheStackGetsItAndIsWrittenAnew) {

