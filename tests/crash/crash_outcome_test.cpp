@@ -176,11 +176,16 @@ TEST(CrashOutcome, LoadingStartsNoThreadAndResetLeavesNone) {
                                   std::regex("before install: (\\d+)\\s+threads after install: (\\d+)\\s+"
                                              "threads after reset: (\\d+)")))
         << output;
-#if !defined(NORVANE_THREAD_SANITIZER)  // whose run-time has a thread of its own
+#if defined(NORVANE_THREAD_SANITIZER)
+    // Its run-time starts a thread of its own once the process has a second.
+    int const runtimeThreads = 1;
+#else
+    int const runtimeThreads = 0;
     EXPECT_EQ(counts[1], "1") << "loading the library started a thread";
 #endif
     EXPECT_GT(std::stoi(counts[2]), std::stoi(counts[1])) << "install started no thread: the count is wrong";
-    EXPECT_EQ(counts[3], counts[1]);
+    EXPECT_GE(std::stoi(counts[3]), std::stoi(counts[1]));
+    EXPECT_LE(std::stoi(counts[3]), std::stoi(counts[1]) + runtimeThreads) << "reset left a thread running";
 }
 
 // setUnhandledExceptionHandler returns once the upkeep thread has set the
