@@ -7,6 +7,7 @@
 #include "minidump_internal/crash_filter.h"
 #include "minidump_internal/filter_upkeep.h"
 #include "minidump_internal/platform.h"
+#include "os_layer/process_spawn.h"
 
 #include <gavrel2/environment.h>
 #include <gavrel2/path.h>
@@ -70,7 +71,7 @@ int ActualExceptionHandler::handleCrash(DumpInfo const& info) {
 int ActualExceptionHandler::spawnHandler(std::wstring const& path, std::vector<std::wstring> const& arguments) {
     // Once the handler runs, the crash's time budget is over: the handler
     // may take as long as it needs, showing the report to a person say.
-    return platform::spawnAndWait(path, arguments, platform::endCrashBudget);
+    return os_layer::spawnAndWait(path, arguments, platform::endCrashBudget);
 }
 
 void ActualExceptionHandler::setHandlerPath(wchar_t const* path) {

@@ -78,13 +78,6 @@ wchar_t pathSeparator();
 std::uint32_t currentProcessId();
 std::uint32_t currentThreadId();
 
-// Starts `program` with `arguments` and waits for its end without a time
-// limit; the program receives each argument as one, blanks included.
-// `started`, when given, runs once the program runs. The exit code, or -1 if
-// the program could not be started.
-int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& arguments,
-                 void (*started)() = nullptr);
-
 // ".exe" on Windows, empty on Linux: what a program's file name ends with.
 wchar_t const* programExtension();
 

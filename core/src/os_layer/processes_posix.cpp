@@ -6,7 +6,7 @@
 // out again while we wait can never be signalled by mistake.
 #include <norvane_1/os_layer.h>
 
-#include "minidump_internal/platform.h"
+#include "os_layer/process_spawn.h"
 #include "scoped_descriptor_posix.h"
 
 #include <poll.h>
@@ -66,7 +66,7 @@ bool isProcessAlive(unsigned long pid) {
 }
 
 int runProcess(std::wstring const& path, std::vector<std::wstring> const& arguments) {
-    return platform::spawnAndWait(path, arguments);
+    return spawnAndWait(path, arguments);
 }
 
 void closeProcess(unsigned long pid) {

@@ -4,14 +4,14 @@
 // so the quoting is ours: the program's own name always between double
 // quotes, every other argument only where it holds a blank. Quotes inside an
 // argument are not escaped.
-#include "minidump_internal/platform.h"
+#include "os_layer/process_spawn.h"
 #include "scoped_handle_windows.h"
 
 #include <process.h>
 #include <windows.h>
 
 namespace norvane_1 {
-namespace platform {
+namespace os_layer {
 namespace {
 
 std::wstring quotedIfBlank(std::wstring const& argument) {
@@ -36,5 +36,5 @@ int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& a
     return ended ? static_cast<int>(exitCode) : -1;
 }
 
-}  // namespace platform
+}  // namespace os_layer
 }  // namespace norvane_1

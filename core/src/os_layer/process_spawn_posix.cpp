@@ -1,5 +1,5 @@
 // Starting the handler process on Linux and waiting for it. POSIX code only.
-#include "minidump_internal/platform.h"
+#include "os_layer/process_spawn.h"
 
 #include <vantix_2_18/utf.h>
 
@@ -12,7 +12,7 @@
 extern char** environ;
 
 namespace norvane_1 {
-namespace platform {
+namespace os_layer {
 namespace {
 
 // A host that ignores SIGCHLD (or sets SA_NOCLDWAIT) has its children reaped
@@ -63,5 +63,5 @@ int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& a
     return waitForExitCode(child);
 }
 
-}  // namespace platform
+}  // namespace os_layer
 }  // namespace norvane_1
