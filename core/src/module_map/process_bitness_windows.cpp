@@ -1,5 +1,6 @@
 // Whether a process is a 32-bit one on 64-bit Windows. Windows code only.
 #include "process_bitness.h"
+#include "system_procedure_windows.h"
 
 #include <windows.h>
 
@@ -7,10 +8,7 @@ namespace norvane_1 {
 
 bool isWow64Process(void* process) {
     using IsWow64ProcessFunction = BOOL(WINAPI*)(HANDLE, PBOOL);
-    HMODULE kernel = ::GetModuleHandleW(L"kernel32");
-    auto query = kernel ? reinterpret_cast<IsWow64ProcessFunction>(
-                              reinterpret_cast<void*>(::GetProcAddress(kernel, "IsWow64Process")))
-                        : nullptr;
+    auto const query = systemProcedure<IsWow64ProcessFunction>(L"kernel32.dll", "IsWow64Process");
     BOOL wow64 = FALSE;
     return query != nullptr && query(static_cast<HANDLE>(process), &wow64) && wow64;
 }

@@ -3,6 +3,7 @@
 
 #include "mapped_file_windows.h"
 #include "pe_image.h"
+#include "system_procedure_windows.h"
 #include "wow64_path.h"
 
 #include <gavrel2/path.h>
@@ -17,8 +18,7 @@ constexpr WORD kMachineAmd64 = 0x8664;
 
 template <typename Function>
 Function kernelFunction(char const* name) {
-    HMODULE kernel = ::GetModuleHandleW(L"kernel32");
-    return kernel ? reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(kernel, name))) : nullptr;
+    return systemProcedure<Function>(L"kernel32.dll", name);
 }
 
 // Turns file system redirection off for this thread while it lives. A

@@ -3,6 +3,7 @@
 #include <norvane_1/os_layer.h>
 
 #include "scoped_handle_windows.h"
+#include "system_procedure_windows.h"
 
 #include <windows.h>
 
@@ -14,18 +15,35 @@ constexpr DWORD kCloseGraceMilliseconds = 2000;
 
 ScopedHandle openProcess(DWORD access, unsigned long pid) { return ScopedHandle(::OpenProcess(access, FALSE, pid)); }
 
+// The window functions come from user32, looked up on the first close: see
+// system_procedure_windows.h.
+using EnumWindowsFunction = BOOL(WINAPI*)(WNDENUMPROC, LPARAM);
+using WindowThreadProcessIdFunction = DWORD(WINAPI*)(HWND, LPDWORD);
+using PostMessageFunction = BOOL(WINAPI*)(HWND, UINT, WPARAM, LPARAM);
+
 struct WindowSearch {
     DWORD pid;
+    WindowThreadProcessIdFunction windowOwner;
+    PostMessageFunction postMessage;
 };
 
 // Posts WM_CLOSE to the first top-level window of the process and stops.
 BOOL CALLBACK closeFirstWindow(HWND window, LPARAM parameter) {
     auto const* search = reinterpret_cast<WindowSearch const*>(parameter);
     DWORD owner = 0;
-    ::GetWindowThreadProcessId(window, &owner);
+    search->windowOwner(window, &owner);
     if (owner != search->pid) return TRUE;
-    ::PostMessageW(window, WM_CLOSE, 0, 0);
+    search->postMessage(window, WM_CLOSE, 0, 0);
     return FALSE;
+}
+
+// Asks the process to close its first top-level window, if it has one.
+void postCloseToFirstWindow(DWORD pid) {
+    auto const enumWindows = systemProcedure<EnumWindowsFunction>(L"user32.dll", "EnumWindows");
+    WindowSearch search{pid, systemProcedure<WindowThreadProcessIdFunction>(L"user32.dll", "GetWindowThreadProcessId"),
+                        systemProcedure<PostMessageFunction>(L"user32.dll", "PostMessageW")};
+    if (enumWindows == nullptr || search.windowOwner == nullptr || search.postMessage == nullptr) return;
+    enumWindows(closeFirstWindow, reinterpret_cast<LPARAM>(&search));
 }
 
 // The program's name: what follows the last backslash.
@@ -65,8 +83,7 @@ void closeProcess(unsigned long pid) {
     if (pid == 0 || !isProcessAlive(pid)) return;
     ScopedHandle const process = openProcess(SYNCHRONIZE | PROCESS_TERMINATE, pid);
     if (!process.valid()) return;
-    WindowSearch search{static_cast<DWORD>(pid)};
-    ::EnumWindows(closeFirstWindow, reinterpret_cast<LPARAM>(&search));
+    postCloseToFirstWindow(static_cast<DWORD>(pid));
     if (::WaitForSingleObject(process.get(), kCloseGraceMilliseconds) != WAIT_OBJECT_0) {
         ::TerminateProcess(process.get(), 0);
     }

@@ -4,6 +4,7 @@
 #include "os_layer/system_facts.h"
 #include "os_layer/windows_version_names.h"
 #include "scoped_handle_windows.h"
+#include "system_procedure_windows.h"
 
 #include <windows.h>
 #include <shlobj.h>
@@ -82,8 +83,11 @@ std::wstring getUserName() {
 }
 
 std::wstring getDocumentsDirectory() {
+    // From shell32, looked up on use: see system_procedure_windows.h.
+    using FolderPathFunction = HRESULT(WINAPI*)(HWND, int, HANDLE, DWORD, LPWSTR);
+    auto const folderPath = systemProcedure<FolderPathFunction>(L"shell32.dll", "SHGetFolderPathW");
     wchar_t path[MAX_PATH] = {};
-    if (::SHGetFolderPathW(nullptr, kPersonalFolderCreated, nullptr, 0, path) < 0) return {};
+    if (folderPath == nullptr || folderPath(nullptr, kPersonalFolderCreated, nullptr, 0, path) < 0) return {};
     return path;
 }
 
