@@ -13,11 +13,10 @@ namespace norvane_fuzz {
 //  - the report round trip: what fromString read, written with toString,
 //    read into a fresh report and written again, gives the same text, and
 //    that second read throws nothing;
-//  - each value form the report uses, on values taken from the same bytes:
-//    addresses, decimals, thread ids, escaped text and GUIDs come back as
-//    they were written, directly and through their sections;
 //  - the hexadecimal reader counts every character that is no hex digit as
 //    digit 0;
+//  - the text, escaped, holds no blank or line break, reads back as it was
+//    where the escape table allows, and escapes again to the same;
 // and gives the text to processSectionToMap with no key list, with a fixed
 // list and with a list taken from the input's first line, which must merely
 // survive it.
