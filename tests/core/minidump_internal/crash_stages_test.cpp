@@ -89,21 +89,6 @@ TEST_F(CrashStagesTest, TheOwnerFaultingInTheCallbackGoesOnOnceAndAThirdFaultIsP
     EXPECT_EQ(stages.owner(), 7u);
 }
 
-TEST_F(CrashStagesTest, AfterAPassedOnCrashOnlyTheInstallStepStartsOver) {
-    ASSERT_EQ(stages.arrive(1), Arrival::owner);
-    stages.handedOver();
-    stages.decide(true);
-    EXPECT_EQ(stages.arrive(2), Arrival::latecomer);
-    stages.returnToIdleAfterPassedOn();
-    EXPECT_EQ(stages.arrive(2), Arrival::owner);
-}
-
-TEST_F(CrashStagesTest, TheRemoveStepFromInsideTheCrashIsRefusedAtOnce) {
-    ASSERT_EQ(stages.arrive(1), Arrival::owner);
-    EXPECT_EQ(stages.claimForRemoval(true, false), CrashStages::Removal::refused);
-    EXPECT_EQ(stages.claimForRemoval(false, true), CrashStages::Removal::nothingToWaitFor);
-}
-
 // A remove step and a fault at the same moment: either the remove step
 // claims first and the fault is passed on, or the fault claims first and
 // the remove step waits until the crash is decided.
