@@ -47,18 +47,6 @@ protected:
     }
 };
 
-TEST_F(HandlerStateTest, SingletonIsMadeOnceAndGoneAfterRelease) {
-    ASSERT_TRUE(HandlerState::isNull());
-    HandlerState* first = HandlerState::get();
-    ASSERT_NE(first, nullptr);
-    EXPECT_FALSE(HandlerState::isNull());
-    EXPECT_EQ(HandlerState::get(), first);
-    EXPECT_TRUE(first->init());
-    EXPECT_FALSE(first->init());  // one worker only
-    first->release();
-    EXPECT_TRUE(HandlerState::isNull());
-}
-
 TEST_F(HandlerStateTest, RunAloneDoesTheWorkAndTheWorkerWaitsOn) {
     CountingState state;
     ASSERT_TRUE(state.init());

@@ -66,12 +66,6 @@ TEST(KeyText, CrLfReadsLikeLf) {
     }
 }
 
-TEST(KeyText, AddsToTheMapWithoutEmptyingIt) {
-    StringMap out{{L"Old", L"kept"}, {L"A", L"replaced"}};
-    norvane_1::processSectionToMap(L"A: new", out, {});
-    EXPECT_EQ(out, (StringMap{{L"Old", L"kept"}, {L"A", L"new"}}));
-}
-
 TEST(KeyText, MalformedKeyListKeepsWhatWasRead) {
     StringMap out{{L"Old", L"kept"}};
     norvane_1::processSectionToMap(L"A: 1", out, {L"(broken"});
