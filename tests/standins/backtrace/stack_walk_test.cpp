@@ -5,11 +5,11 @@
 
 #include <norvane_1/module_map.h>
 
+#include "module_map_ptr.h"
 #include "own_registers.h"
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <random>
 
 namespace {
@@ -18,13 +18,10 @@ using norvane_test::withOwnRegisters;
 
 constexpr int kBits64 = 2;
 
-struct MapFree {
-    void operator()(norvane_1::MinidumpModuleMap* map) const { norvane_1::minidumpFreeModuleMap(map); }
-};
-using ModuleMap = std::unique_ptr<norvane_1::MinidumpModuleMap, MapFree>;
+using ModuleMap = norvane_test::MapPtr;
 
 ModuleMap thisProcessModules() {
-    ModuleMap map(norvane_1::minidumpAllocModuleMap());
+    ModuleMap map = norvane_test::newMap();
     if (map) norvane_1::loadModuleMap(map.get(), 0);
     return map;
 }
