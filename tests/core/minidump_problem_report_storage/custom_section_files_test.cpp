@@ -32,19 +32,6 @@ TEST(CustomSectionFiles, HandWrittenListsArePairedAsTheyFall) {
     EXPECT_EQ(report.getSection(L"Lonely"), L"");
 }
 
-TEST(CustomSectionFiles, AProcessDumpTakesItsCreationLogAlong) {
-    ScratchDirectory logs("sections-dump");
-    writeUtf8(logs.path() / "norvane_creation_log.txt", "label : stamp : text\n");
-    writeUtf8(logs.path() / norvane_1::internal::kCustomSectionListName, "");
-    norvane_1::ProblemReportStorage report;
-    report.setReportPath(logs.withSeparator());
-    norvane_1::ProcessDump dump;
-    dump.description = L"on demand";
-    report.setProcessDump(dump);
-    EXPECT_TRUE(report.appendCustomSections(logs.withSeparator().c_str()));
-    EXPECT_FALSE(fs::exists(logs.path() / "norvane_creation_log.txt"));
-}
-
 TEST(VirtualMemoryFootprint, RoundedToUnitsOfTenThousandKilobytes) {
     struct { wchar_t const* value; bool known; std::uint64_t units; } const cases[] = {
         {L"5000K", true, 1}, {L"4999K", true, 0}, {L"1234567K", true, 123}, {L"25000", true, 3}, {L"", false, 0},

@@ -178,8 +178,6 @@ TEST(ValueForms, GuidsReadAlikeAsTextAndInModuleSections) {
         EXPECT_EQ(internal::guidToString(internal::stringToGuid(c.text)), internal::guidToString(c.guid));
         EXPECT_EQ(internal::guidToString(readModule(L"Guid: " + c.text + L"\n").Guid), internal::guidToString(c.guid));
     }
-    EXPECT_EQ(internal::guidToString(sample), L"3f2504e0-4f89-11d3-9a0c-0305e82c3301");
-    EXPECT_EQ(internal::guidToString(Guid{}), L"00000000-0000-0000-0000-000000000000");
 }
 
 // Every field of escaped text set to `value`, as its section writes it: one

@@ -29,8 +29,6 @@ std::vector<Change> const kInsertions = {
     {"overlapping an entry's end keeps both whole", {{10, 25, L"a"}}, 20, 30, {{10, 25, L"a"}, {20, 30, L"N"}}},
     {"overlapping an entry's begin keeps both whole", {{25, 40, L"a"}}, 20, 30, {{20, 30, L"N"}, {25, 40, L"a"}}},
     {"inside the only entry is not placed", {{10, 40, L"a"}}, 20, 30, {{10, 40, L"a"}}},
-    {"inside an entry, placed before one above", {{10, 40, L"a"}, {50, 60, L"b"}}, 20, 30,
-     {{10, 40, L"a"}, {20, 30, L"N"}, {50, 60, L"b"}}},
 };
 
 TEST(ModuleMapInsertion, FollowsTheRulesForEachCase) {
