@@ -8,7 +8,7 @@
 // The extra modules are copies of module_map_bench_module, made beside a
 // scratch folder at run time, each under its own name so that the loader
 // takes each for a module of its own.
-#include <norvane_1/module_map.h>
+#include "module_map_ptr.h"
 
 #include <gavrel2/shared_lib.h>
 #include <gavrel2/stdpaths.h>
@@ -35,10 +35,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kExtraModules = 200;
 
-struct MapFree {
-    void operator()(norvane_1::MinidumpModuleMap* map) const { norvane_1::minidumpFreeModuleMap(map); }
-};
-using MapPtr = std::unique_ptr<norvane_1::MinidumpModuleMap, MapFree>;
+using norvane_test::MapPtr;
 
 // Median and fastest of `repetitions` runs, in milliseconds.
 void report(char const* what, int repetitions, std::function<void()> const& run) {
@@ -54,7 +51,7 @@ void report(char const* what, int repetitions, std::function<void()> const& run)
 
 // Modules and entries one enumeration of this process finds.
 void describeOwnProcess(char const* when) {
-    MapPtr map(norvane_1::minidumpAllocModuleMap());
+    MapPtr map = norvane_test::newMap();
     norvane_1::loadModuleMap(map.get(), 0);
     std::set<std::uint64_t> bases;
     for (std::uint32_t i = 0; i < map->count; ++i) bases.insert(map->ranges[i].base);
@@ -63,7 +60,7 @@ void describeOwnProcess(char const* when) {
 
 void timeOwnProcess(char const* what, int repetitions) {
     report(what, repetitions, [] {
-        MapPtr map(norvane_1::minidumpAllocModuleMap());
+        MapPtr map = norvane_test::newMap();
         norvane_1::loadModuleMap(map.get(), 0);
     });
 }
@@ -77,7 +74,7 @@ wchar_t* heapName(std::size_t index) {
 }
 
 void insertAll(std::vector<std::uint64_t> const& order) {
-    MapPtr map(norvane_1::minidumpAllocModuleMap());
+    MapPtr map = norvane_test::newMap();
     for (std::uint64_t index : order) {
         norvane_1::MinidumpAddressRange range{heapName(index), index * 0x10000, index * 0x10000 + 0x1000,
                                               index * 0x10000 + 0x8000, 0};

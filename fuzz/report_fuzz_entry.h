@@ -9,20 +9,15 @@
 
 namespace norvane_fuzz {
 
-// Reads `data` as report text (UTF-8) and checks:
-//  - the report round trip: what fromString read, written with toString,
-//    read into a fresh report and written again, gives the same text, and
-//    that second read throws nothing;
-//  - each value form the report uses, on values taken from the same bytes:
-//    addresses, decimals, thread ids, escaped text and GUIDs come back as
-//    they were written, directly and through their sections;
-//  - the hexadecimal reader counts every character that is no hex digit as
-//    digit 0;
-// and gives the text to processSectionToMap with no key list, with a fixed
+// Reads `data` as report text (UTF-8) and checks the report round trip: what
+// fromString read, written with toString, read into a fresh report and
+// written again, gives the same text, and that second read throws nothing.
+// Then gives the text to processSectionToMap with no key list, with a fixed
 // list and with a list taken from the input's first line, which must merely
-// survive it.
-// Returns an empty string when every property holds, otherwise a description
-// of the first that failed. A boost::bad_lexical_cast from the first
+// survive it. The value forms, escaped text among them, have their tables in
+// tests/core/minidump_problem_report_storage/value_forms_test.cpp.
+// Returns an empty string when the round trip holds, otherwise a description
+// of how it failed. A boost::bad_lexical_cast from the first
 // fromString is documented and not a failure; any other exception escapes.
 std::string checkReportText(std::uint8_t const* data, std::size_t size);
 

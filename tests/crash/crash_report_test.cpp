@@ -1,6 +1,6 @@
 // Every way the sample host can crash ends the same way: exit code 3, a
 // complete crash_info.txt, and the handler started with the fixed command
-// line.
+// line. What the handler makes of it is checked in handler_command_test.cpp.
 #include "crash_run.h"
 #include "expectations.h"
 #include "platform_crash.h"
@@ -113,15 +113,6 @@ TEST(CrashHost, RunExceptionHandlerReportsTheGivenRegisters) {
         << output;
     EXPECT_EQ(norvane_1::string_traits::addrToString(run.readReport().getException().address),
               wide(captured[1].str()));
-}
-
-// The handler reads the report the library wrote and tells what it found.
-TEST(CrashHost, HandlerSummarisesTheReport) {
-    CrashRun run;
-    ASSERT_TRUE(crash_test::handledByLibrary(run.run("access-violation")));
-    std::string const output = run.hostOutput();
-    EXPECT_NE(output.find("exception: EXCEPTION_ACCESS_VIOLATION (code 0xC0000005)"), std::string::npos) << output;
-    EXPECT_NE(output.find("(pid " + std::to_string(run.hostPid()) + ","), std::string::npos) << output;
 }
 
 }  // namespace

@@ -35,6 +35,10 @@ TEST_P(RelayedPairs, FollowTheFixedPartInTheirOrder) {
     Arguments expected = crash_test::fixedHandlerArguments(run.logDirectory(), run.hostPid());
     expected.insert(expected.end(), GetParam().expectedTail.begin(), GetParam().expectedTail.end());
     EXPECT_EQ(run.handlerArguments(), expected);
+    // The handler took the line: it read the report and summed it up.
+    std::string const output = run.hostOutput();
+    EXPECT_NE(output.find("exception: EXCEPTION_ACCESS_VIOLATION (code 0xC0000005)"), std::string::npos) << output;
+    EXPECT_NE(output.find("(pid " + std::to_string(run.hostPid()) + ","), std::string::npos) << output;
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -35,11 +35,8 @@ std::vector<std::string> reportFiles(std::filesystem::path const& directory) {
 }
 
 norvane_1::ProblemReportStorage readReport(std::filesystem::path const& file) {
-    std::vector<std::string> const lines = norvane_test::fileLines(file);
-    std::string text;
-    for (auto const& line : lines) text += line + "\n";
     norvane_1::ProblemReportStorage report;
-    report.fromString(VANTIX_2_18::utf::from_utf8(text));
+    report.fromString(VANTIX_2_18::utf::from_utf8(norvane_test::fileText(file)));
     return report;
 }
 

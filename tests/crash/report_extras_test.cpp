@@ -42,25 +42,18 @@ void writeLog(fs::path const& file, std::string const& text, std::chrono::hours 
     fs::last_write_time(file, fs::file_time_type::clock::now() - age);
 }
 
-// The records of the crash path, label by label, in the order they are made.
-// The crashed thread's line on handing over races with the worker's first
-// lines, so it is looked for on its own.
+// The milestones of the crash path, in the order they are made. The crashed
+// thread's line on handing over races with the worker's first lines, so it
+// is looked for on its own.
 std::string const kHandOverRecord =
     "norvane_1::dumpMiniDump : .* : Exception handling will now continue in worker thread...";
 std::vector<std::string> const kCrashPathRecords = {
     "norvane_1::dumpMiniDump : .* : Exception report initialized",
-    "norvane_1::dumpMiniDump : .* : Process section is set up in crash report",
     "norvane_1::dumpMiniDump : .* : Set crash pid, tid",
     "norvane_1::\\w+HandlerState::run : .* : Worker thread took over...",
     "norvane_1::HandlerState::exportCrashInfo : .* : Set exception info, thread ID, pid",
-    "norvane_1::ProblemReportStorage::addContext : .* : Added context for thread: 0x[0-9a-f]{16}",
     "norvane_1::HandlerState::exportCrashInfo : .* : Set thread context",
-    "norvane_1::HandlerState::exportCrashInfo : .* : Set crash dump info",
     "norvane_1::HandlerState::exportCrashInfo : .* : Added premortal log",
-    "norvane_1::HandlerState::exportCrashInfo : .* : Added app property pool",
-    "norvane_1::ProblemReportStorage::detectProductInfo : .* : Detecting product info",
-    "norvane_1::ProblemReportStorage::detectProductInfo : .* : failed to derive product info from module map, "
-    "fallback to ostrel API",
     "norvane_1::HandlerState::exportCrashInfo : .* : Set failed product info: crash_host; 0",
     "minidump : .* : invoke out-of-proc handling...",
 };

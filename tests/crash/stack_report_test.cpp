@@ -138,21 +138,16 @@ TEST(OutsideStacks, WhenOutsideFailsTheCrashedProcessCollectsOverTheTaskService)
     EXPECT_EQ(stack->second[0].kind, kExceptionFrame);
     EXPECT_EQ(moduleOf(stack->second[1]), wide(std::string(crash_test::kHostProcessName)));
 
-    auto const log = run.creationLog();
+    // The handler asks; the service runs the fallback in the crashed process.
     std::string const server = "norvane_1::ExecuteMinidumpTaskThread::operator\\(\\) : .* : ";
-    EXPECT_TRUE(crash_test::recordsInOrder(
-        log, {"norvane_1::startExecuteMinidumpTaskthread : .* : EMT Service started!", server + "Create THE PIPE",
-              server + "THE PIPE created", server + "Got minidump task <fallbackInProc>",
-              "norvane_1::HandlerState::fallbackInProcess : .* : Fallback to in-proc stack collect...",
-              server + "<fallbackInProc> executed", server + "Replied <PASS> to THE_PIPE_SC",
-              server + "(Service TERMINATED|I FINISHED)!",
-              "norvane_1::stopExecuteMinidumpTaskThread : .* : EMT Service stopped!"}));
+    std::string const fallback = "norvane_1::HandlerState::fallbackInProcess : .* : Fallback to in-proc stack collect...";
+    auto const log = run.creationLog();
     EXPECT_TRUE(crash_test::recordsInOrder(
         log, {"kelmur_feedback::collectCrashStacks : .* : Stacks from outside failed .*, asking the crashed process",
-              "norvane_1::HandlerState::fallbackInProcess : .* : Fallback to in-proc stack collect..."}));
-    EXPECT_TRUE(crash_test::recordsInOrder(
-        log, {"norvane_1::executeMinidumpTaskInternal : .* : waiting for the task to complete...",
-              "norvane_1::executeMinidumpTaskInternal : .* : Sent TERMINATE command, quit NOW!"}));
+              fallback}));
+    EXPECT_TRUE(crash_test::recordsInOrder(log, {server + "Got minidump task <fallbackInProc>", fallback,
+                                                 server + "Replied <PASS> to THE_PIPE_SC",
+                                                 "norvane_1::stopExecuteMinidumpTaskThread : .* : EMT Service stopped!"}));
 }
 
 class DamagedStacks : public testing::TestWithParam<char const*> {};

@@ -60,7 +60,6 @@ INSTANTIATE_TEST_SUITE_P(
                     BadInputCase{"collectOfAMissingReport", collectLine(missingReportOfThisProcess(), ""), 1},
                     BadInputCase{"mercyKillOfNoProcess", {std::string("-mercy-kill=") + kNoSuchPid}, 1},
                     BadInputCase{"exportOfAMissingReport", {"-export-json", missingReportOfThisProcess()}, 1},
-                    BadInputCase{"exportWithoutAReport", {"-export-json"}, 2},
                     BadInputCase{"showOfAMissingReport", {"-show-report", missingReportOfThisProcess()}, 1}));
 
 }  // namespace

@@ -19,6 +19,20 @@ namespace {
 namespace fs = std::filesystem;
 using norvane_test::LoopbackHttpServer;
 
+// One run of the tool sending `report`, with the outbox beside it and the
+// variables given; its output goes to output.txt there.
+norvane_test::ChildOutcome sendWithTool(fs::path const& report, std::string const& title,
+                                std::map<std::string, std::optional<std::string>> environment) {
+    norvane_test::ChildOptions options;
+    options.program = norvane_test::programBesideThisOne("kelmur-feedback");
+    options.arguments = {"-send-crash-report", report.u8string(), "-send-crash-report", title};
+    environment["KELMUR_FEEDBACK_OUTBOX"] = (report.parent_path() / "outbox").u8string();
+    environment["KELMUR_FEEDBACK_RECORD"] = std::nullopt;
+    options.environment = std::move(environment);
+    options.standardOutput = report.parent_path() / "output.txt";
+    return norvane_test::ChildProcess(options).wait(std::chrono::seconds(60));
+}
+
 struct SendingCase {
     char const* name;
     std::optional<LoopbackHttpServer::Answer> server;  // none: no endpoint configured
@@ -48,15 +62,10 @@ TEST_P(ReportSending, DeliversOrKeepsTheReport) {
 
     std::optional<LoopbackHttpServer> server;
     if (test.server) server.emplace(*test.server);
-    norvane_test::ChildOptions options;
-    options.program = norvane_test::programBesideThisOne("kelmur-feedback");
-    options.arguments = {"-send-crash-report", report.u8string(), "-send-crash-report", "Caf\xc3\xa9 UI freeze report"};
-    options.environment = {{"KELMUR_FEEDBACK_SEND_URL", server ? std::optional(server->url()) : std::nullopt},
-                           {"KELMUR_FEEDBACK_SEND_TIMEOUT_MS", std::string("1000")},
-                           {"KELMUR_FEEDBACK_OUTBOX", (scratch / "outbox").u8string()},
-                           {"KELMUR_FEEDBACK_RECORD", std::nullopt}};
     auto const started = std::chrono::steady_clock::now();
-    auto const outcome = norvane_test::ChildProcess(options).wait(std::chrono::seconds(60));
+    auto const outcome = sendWithTool(report, "Caf\xc3\xa9 UI freeze report",
+                              {{"KELMUR_FEEDBACK_SEND_URL", server ? std::optional(server->url()) : std::nullopt},
+                               {"KELMUR_FEEDBACK_SEND_TIMEOUT_MS", std::string("1000")}});
     ASSERT_TRUE(outcome.finished && outcome.exited);
     EXPECT_EQ(outcome.exitCode, static_cast<std::uint32_t>(test.exitCode));
     // Two attempts of at most a second each, and the start under Wine.
@@ -131,25 +140,19 @@ TEST_P(PacedSending, KeepsWhatMayNotGoAndSendsItWithTheNext) {
     fs::create_directories(scratch / "outbox");
     LoopbackHttpServer server(LoopbackHttpServer::Answer::ok);
     std::size_t seen = 0;
-    for (Send const& send : test.sends) {
-        fs::path const report = scratch / ("report-" + std::string(send.report) + ".txt");
-        std::ofstream(report, std::ios::binary) << reportText(send);
-        norvane_test::ChildOptions options;
-        options.program = norvane_test::programBesideThisOne("kelmur-feedback");
-        options.arguments = {"-send-crash-report", report.u8string(), "-send-crash-report", "title"};
+    for (Send const& step : test.sends) {
+        fs::path const report = scratch / ("report-" + std::string(step.report) + ".txt");
+        std::ofstream(report, std::ios::binary) << reportText(step);
         auto setting = [](char const* value) { return value ? std::optional<std::string>(value) : std::nullopt; };
-        options.environment = {{"KELMUR_FEEDBACK_SEND_URL", server.url()},
-                               {"KELMUR_FEEDBACK_SEND_INTERVAL_S", setting(send.intervalS)},
-                               {"KELMUR_FEEDBACK_SEND_MAX_BYTES", setting(send.maxBytes)},
-                               {"KELMUR_FEEDBACK_OUTBOX", (scratch / "outbox").u8string()},
-                               {"KELMUR_FEEDBACK_RECORD", std::nullopt}};
-        options.standardOutput = scratch / "output.txt";
-        auto const outcome = norvane_test::ChildProcess(options).wait(std::chrono::seconds(60));
-        ASSERT_TRUE(outcome.finished && outcome.exited) << send.report;
-        EXPECT_EQ(outcome.exitCode, static_cast<std::uint32_t>(send.exitCode)) << send.report;
+        auto const outcome = sendWithTool(report, "title",
+                                  {{"KELMUR_FEEDBACK_SEND_URL", server.url()},
+                                   {"KELMUR_FEEDBACK_SEND_INTERVAL_S", setting(step.intervalS)},
+                                   {"KELMUR_FEEDBACK_SEND_MAX_BYTES", setting(step.maxBytes)}});
+        ASSERT_TRUE(outcome.finished && outcome.exited) << step.report;
+        EXPECT_EQ(outcome.exitCode, static_cast<std::uint32_t>(step.exitCode)) << step.report;
         std::string const output = norvane_test::fileText(scratch / "output.txt");
-        if (send.says) {
-            EXPECT_NE(output.find(send.says), std::string::npos) << output;
+        if (step.says) {
+            EXPECT_NE(output.find(step.says), std::string::npos) << output;
         }
 
         auto const requests = server.requests();
@@ -158,7 +161,7 @@ TEST_P(PacedSending, KeepsWhatMayNotGoAndSendsItWithTheNext) {
             std::string const name = requests[seen].headers.at("x-report-name");
             arrived.push_back(name.substr(7, name.size() - 11));
         }
-        EXPECT_EQ(arrived, send.arrived) << send.report << ": " << output;
+        EXPECT_EQ(arrived, step.arrived) << step.report << ": " << output;
     }
     EXPECT_EQ(reportsIn(scratch / "outbox"), test.leftInOutbox);
     fs::remove_all(scratch);

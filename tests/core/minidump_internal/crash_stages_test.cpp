@@ -1,6 +1,7 @@
-// The crash's stages under threads that arrive together: one owner, the rest
-// held until the crash is decided, and the remove step never tearing down
-// under a crash in progress.
+// The crash's stages: the owner's own faults, and the remove step never
+// tearing down under a crash in progress. Threads faulting together (one
+// owner, one report) are crashed on in tests/crash (TwoThreadsFaulting...,
+// twenty-threads, sleeping-threads).
 #include "minidump_internal/crash_stages.h"
 
 #include <gtest/gtest.h>
@@ -46,39 +47,6 @@ protected:
     }
 };
 
-TEST_F(CrashStagesTest, ThreadsFaultingTogetherHaveOneOwnerAndTheRestWaitForTheDecision) {
-    constexpr int kThreads = 16;
-    std::vector<Arrival> arrivals(kThreads);
-    together(kThreads, [&](int i) { arrivals[i] = stages.arrive(100 + i); });
-
-    int owners = 0;
-    for (Arrival arrival : arrivals) {
-        owners += arrival == Arrival::owner;
-        EXPECT_TRUE(arrival == Arrival::owner || arrival == Arrival::latecomer);
-    }
-    ASSERT_EQ(owners, 1);
-    std::uint32_t const owner = stages.owner();
-    EXPECT_EQ(stages.stage(), CrashStage::preparing);
-
-    // The latecomers sleep until the crash is passed on; the owner never waits.
-    std::atomic<int> released{0};
-    std::vector<std::thread> latecomers;
-    for (int i = 0; i < kThreads; ++i) {
-        if (100u + i == owner) continue;
-        latecomers.emplace_back([&, i] {
-            stages.holdUntilDecided(100 + i);
-            ++released;
-        });
-    }
-    stages.holdUntilDecided(owner);
-    stages.handedOver();
-    EXPECT_EQ(released.load(), 0);
-    stages.decide(true);
-    for (auto& thread : latecomers) thread.join();
-    EXPECT_EQ(released.load(), kThreads - 1);
-    EXPECT_FALSE(stages.inProgress());
-}
-
 TEST_F(CrashStagesTest, TheOwnerFaultingInTheCallbackGoesOnOnceAndAThirdFaultIsPassedOn) {
     ASSERT_EQ(stages.arrive(7), Arrival::owner);
     stages.enterCallback();
@@ -87,21 +55,6 @@ TEST_F(CrashStagesTest, TheOwnerFaultingInTheCallbackGoesOnOnceAndAThirdFaultIsP
     EXPECT_EQ(stages.stage(), CrashStage::preparing);
     EXPECT_EQ(stages.arrive(7), Arrival::reentry);
     EXPECT_EQ(stages.owner(), 7u);
-}
-
-TEST_F(CrashStagesTest, AfterAPassedOnCrashOnlyTheInstallStepStartsOver) {
-    ASSERT_EQ(stages.arrive(1), Arrival::owner);
-    stages.handedOver();
-    stages.decide(true);
-    EXPECT_EQ(stages.arrive(2), Arrival::latecomer);
-    stages.returnToIdleAfterPassedOn();
-    EXPECT_EQ(stages.arrive(2), Arrival::owner);
-}
-
-TEST_F(CrashStagesTest, TheRemoveStepFromInsideTheCrashIsRefusedAtOnce) {
-    ASSERT_EQ(stages.arrive(1), Arrival::owner);
-    EXPECT_EQ(stages.claimForRemoval(true, false), CrashStages::Removal::refused);
-    EXPECT_EQ(stages.claimForRemoval(false, true), CrashStages::Removal::nothingToWaitFor);
 }
 
 // A remove step and a fault at the same moment: either the remove step

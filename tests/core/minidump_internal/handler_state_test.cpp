@@ -1,4 +1,4 @@
-// The singleton state, its worker thread and the hand-over flags.
+// The worker thread: a handed-over crash, a fault of its own, and the app properties.
 #include <norvane_1/handler_state.h>
 
 #include "plain_handler_state.h"
@@ -6,14 +6,12 @@
 #include "minidump_internal/crash_filter.h"
 #include "test_environment.h"
 
-#include <boost/thread.hpp>
 #include <gtest/gtest.h>
 
 #include <atomic>
 
 namespace {
 
-using norvane_1::HandlerState;
 using norvane_test::ScopedVariable;
 
 // A state whose crash work only counts its calls.
@@ -30,59 +28,14 @@ class HandlerStateTest : public ::testing::Test {
 protected:
     norvane_test::ScratchDirectory logs{"state"};
     ScopedVariable logDirectory{"NORVANE_LOG_DIR", logs.path().string()};
-
-    // Sets the flags as the crashed thread (or release) does, under the lock.
-    static void handOver(HandlerState& state, bool run, bool exit) {
-        state.getLock().lock();
-        if (run) state.setRunStatus(true);
-        if (exit) state.setExitStatus(true);
-        state.getLock().unlock();
-        state.getCondition().notify_one();
-    }
-
-    static void waitWhileRunStatus(HandlerState& state) {
-        state.getLock().lock();
-        while (state.getRunStatus()) state.getCondition().wait(state.getLock());
-        state.getLock().unlock();
-    }
 };
 
-TEST_F(HandlerStateTest, SingletonIsMadeOnceAndGoneAfterRelease) {
-    ASSERT_TRUE(HandlerState::isNull());
-    HandlerState* first = HandlerState::get();
-    ASSERT_NE(first, nullptr);
-    EXPECT_FALSE(HandlerState::isNull());
-    EXPECT_EQ(HandlerState::get(), first);
-    EXPECT_TRUE(first->init());
-    EXPECT_FALSE(first->init());  // one worker only
-    first->release();
-    EXPECT_TRUE(HandlerState::isNull());
-}
-
-TEST_F(HandlerStateTest, RunAloneDoesTheWorkAndTheWorkerWaitsOn) {
+// What the crashed thread does: hand the crash over and wait for the worker.
+TEST_F(HandlerStateTest, AHandedOverCrashRunsOnceAndEndsTheWorker) {
     CountingState state;
     ASSERT_TRUE(state.init());
-    handOver(state, true, false);
-    waitWhileRunStatus(state);
-    EXPECT_EQ(state.runs, 1);
-    handOver(state, true, false);  // the worker is still there for more
-    waitWhileRunStatus(state);
-    EXPECT_EQ(state.runs, 2);
-    handOver(state, false, true);  // the exit flag alone ends it without more work
-    state.join();
-    EXPECT_FALSE(state.getExitStatus());
-    EXPECT_EQ(state.runs, 2);
-}
-
-TEST_F(HandlerStateTest, BothFlagsRunOnceThenEnd) {
-    CountingState state;
-    ASSERT_TRUE(state.init());
-    handOver(state, true, true);
-    // What the crashed thread does: wait for the exit flag to fall.
-    state.getLock().lock();
-    while (state.getExitStatus()) state.getCondition().wait(state.getLock());
-    EXPECT_FALSE(state.getRunStatus());
-    state.getLock().unlock();
+    state.handOverCrash([] {});
+    state.awaitWorker();
     state.join();
     EXPECT_EQ(state.runs, 1);
 }
@@ -98,7 +51,7 @@ TEST_F(HandlerStateTest, AFaultOnTheWorkerIsPassedOnAtOnce) {
         std::atomic<long> filterResult{-1};
     } state;
     ASSERT_TRUE(state.init());
-    handOver(state, true, true);
+    state.handOverCrash([] {});
     state.join();
     EXPECT_EQ(state.filterResult, norvane_1::kContinueSearch);
 }

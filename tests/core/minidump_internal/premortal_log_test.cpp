@@ -43,13 +43,6 @@ TEST(PremortalLog, FirstHundredLinesOfTheNewestLog) {
     EXPECT_EQ(words.back(), L"line 100");
 }
 
-TEST(PremortalLog, OnlyExactlyLowerCaseLogFiles) {
-    ScratchDirectory logs("premortal-ext");
-    writeLog(logs.path() / "upper.LOG", 3);
-    writeLog(logs.path() / "notes.txt", 3);
-    EXPECT_TRUE(wordsOf(logs.path()).empty());
-}
-
 TEST(PremortalLog, TextOutsideAsciiIsReadAsUtf8) {
     ScratchDirectory logs("premortal-utf8");
     std::ofstream(logs.path() / "app.log", std::ios::binary) << u8"ошибка 错误\n";

@@ -114,17 +114,6 @@ TEST_F(TaskService, TwoClientsAtOnceBothGetTheirAnswer) {
     EXPECT_TRUE(second);
 }
 
-TEST_F(TaskService, AStartWhileRunningAndAStopWhenStoppedAreRecorded) {
-    norvane_1::startExecuteMinidumpTaskthread();
-    norvane_1::stopExecuteMinidumpTaskThread();
-    norvane_1::stopExecuteMinidumpTaskThread();
-    norvane_1::startExecuteMinidumpTaskthread();  // for TearDown
-    std::string const text = norvane_test::fileText(logs.path() / "norvane_creation_log.txt");
-    EXPECT_NE(text.find("norvane_1::startExecuteMinidumpTaskthread : "), std::string::npos);
-    EXPECT_NE(text.find(" : EMT Service is already started"), std::string::npos);
-    EXPECT_NE(text.find(" : EMT Service is already stopped"), std::string::npos);
-}
-
 TEST(TaskServiceClient, WithoutAServiceFailsAtOnce) {
     norvane_test::ScratchDirectory logs("task-client");
     norvane_test::ScopedVariable logDirectory("NORVANE_LOG_DIR", logs.path().string());

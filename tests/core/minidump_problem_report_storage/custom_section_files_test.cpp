@@ -1,9 +1,9 @@
-// Custom sections brought into a report, and the memory figure.
-#include <norvane_1/crash_handling.h>
+// Custom sections brought into a report from hand-written lists, and the
+// memory figure. Registered sections in a finished report are checked in
+// tests/crash/report_extras_test.cpp.
 #include <norvane_1/problem_report_storage.h>
 
 #include "minidump_problem_report_storage/custom_section_list.h"
-#include "sample_reports.h"
 #include "test_environment.h"
 
 #include <boost/lexical_cast.hpp>
@@ -18,26 +18,6 @@ using norvane_test::ScratchDirectory;
 
 void writeUtf8(fs::path const& file, std::string const& text) { std::ofstream(file, std::ios::binary) << text; }
 
-// Through UTF-8: a path's own wide form depends on the locale on Linux.
-std::wstring wide(fs::path const& path) { return norvane_test::fromUtf8(path.u8string()); }
-
-TEST(CustomSectionFiles, RegisteredFilesBecomeSections) {
-    ScratchDirectory logs("sections");
-    std::wstring const folder = logs.withSeparator();
-    writeUtf8(logs.path() / "device.txt", u8"GPU: 中文\nСлот: 2");
-    fs::path const unusual = logs.path() / fs::u8path(u8"путь 路径.txt");
-    writeUtf8(unusual, "second text");
-    norvane_1::addCrashReportCustomSection(L"Device Info", (logs.path() / "device.txt").wstring(), folder.c_str());
-    norvane_1::addCrashReportCustomSection(norvane_test::fromUtf8(u8"Раздел"), wide(unusual), folder.c_str());
-    norvane_1::addCrashReportCustomSection(L"Gone", (logs.path() / "missing.txt").wstring(), folder.c_str());
-
-    norvane_1::ProblemReportStorage report;
-    EXPECT_TRUE(report.appendCustomSections(logs.path().wstring().c_str()));
-    EXPECT_EQ(report.getSection(L"Device Info"), norvane_test::fromUtf8(u8"GPU: 中文\nСлот: 2"));
-    EXPECT_EQ(report.getSection(norvane_test::fromUtf8(u8"Раздел")), L"second text");
-    EXPECT_EQ(report.getSection(L"Gone"), L"");
-}
-
 TEST(CustomSectionFiles, HandWrittenListsArePairedAsTheyFall) {
     ScratchDirectory logs("sections-odd");
     writeUtf8(logs.path() / "a.txt", "first");
@@ -50,25 +30,6 @@ TEST(CustomSectionFiles, HandWrittenListsArePairedAsTheyFall) {
     EXPECT_TRUE(report.appendCustomSections(logs.withSeparator().c_str()));
     EXPECT_EQ(report.getSection(L"Same"), L"second");
     EXPECT_EQ(report.getSection(L"Lonely"), L"");
-}
-
-TEST(CustomSectionFiles, NoListIsNoError) {
-    ScratchDirectory logs("sections-none");
-    norvane_1::ProblemReportStorage report;
-    EXPECT_TRUE(report.appendCustomSections(logs.withSeparator().c_str()));
-}
-
-TEST(CustomSectionFiles, AProcessDumpTakesItsCreationLogAlong) {
-    ScratchDirectory logs("sections-dump");
-    writeUtf8(logs.path() / "norvane_creation_log.txt", "label : stamp : text\n");
-    writeUtf8(logs.path() / norvane_1::internal::kCustomSectionListName, "");
-    norvane_1::ProblemReportStorage report;
-    report.setReportPath(logs.withSeparator());
-    norvane_1::ProcessDump dump;
-    dump.description = L"on demand";
-    report.setProcessDump(dump);
-    EXPECT_TRUE(report.appendCustomSections(logs.withSeparator().c_str()));
-    EXPECT_FALSE(fs::exists(logs.path() / "norvane_creation_log.txt"));
 }
 
 TEST(VirtualMemoryFootprint, RoundedToUnitsOfTenThousandKilobytes) {

@@ -41,13 +41,11 @@ TEST(KeyText, ReadsValuesByTheRuleOfTheKeyList) {
         {"last value wins", L"A: 1\nA: 2", {}, {{L"A", L"2"}}},
         {"key with blanks", L"Command line: x\nKey  : y", {}, {{L"Command line", L"x"}, {L"Key", L"y"}}},
         {"key stops at first colon", L"Path: C:\\x", {}, {{L"Path", L"C:\\x"}}},
-        {"drive letter line is a key", L"Path: C:\\x\nC:\\y", {}, {{L"Path", L"C:\\x"}, {L"C", L"\\y"}}},
         {"blank in front of key", L" A: 1", {}, {}},
         {"value white space", L"A: \t 1 \t", {}, {{L"A", L"1"}}},
         {"joined lines", L"A: 1\n2\nB: 3", {L"A", L"B"}, {{L"A", L"12"}, {L"B", L"3"}}},
         {"empty line ends value", L"A: 1\n\n2: x", {L"A", L"B"}, {{L"A", L"1"}, {L"2", L"x"}}},
         {"unlisted key is joined", L"A: 1\nC: 2", {L"A"}, {{L"A", L"1C: 2"}}},
-        {"lone CR in single-line mode", L"A: 1\rB: 2", {}, {{L"A", L"1\rB: 2"}}},
         {"nothing", L"", {}, {}},
     };
     for (auto const& c : cases) EXPECT_EQ(read(c.text, c.keys), c.expected) << c.what;
@@ -64,12 +62,6 @@ TEST(KeyText, CrLfReadsLikeLf) {
         }
         EXPECT_EQ(lf, crlf);
     }
-}
-
-TEST(KeyText, AddsToTheMapWithoutEmptyingIt) {
-    StringMap out{{L"Old", L"kept"}, {L"A", L"replaced"}};
-    norvane_1::processSectionToMap(L"A: new", out, {});
-    EXPECT_EQ(out, (StringMap{{L"Old", L"kept"}, {L"A", L"new"}}));
 }
 
 TEST(KeyText, MalformedKeyListKeepsWhatWasRead) {

@@ -53,8 +53,6 @@ TEST(StackSections, CleanLinesAreReadColumnByColumn) {
     CleanLineCase const cases[] = {
         {L"+", 2, 0, 0, L""},
         {L"x", 0, 0, 0, L""},
-        {L" ", 2, 0, 0, L""},
-        {L"\r", 0, 0, 0, L""},
         {L"? | 0x1", 1, 0, 0, L""},
         {L"! | 0x1 | 0x2", 4, 1, 2, L""},
         {L"+ | 0x1 | 0x2 |  m | rest", 2, 1, 2, L" m"},

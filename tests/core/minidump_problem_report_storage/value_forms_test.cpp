@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <sstream>
 #include <vector>
 
 namespace {
@@ -57,7 +58,7 @@ AddressCase const kAddresses[] = {
     {L"0x1\x0131", 1, 0x10},
 };
 
-TEST(ValueForms, AddressesReadAlikeInEverySection) {
+TEST(ValueForms, AddressesAndThreadIdsReadAlikeInEverySection) {
     for (auto const& c : kAddresses) {
         SCOPED_TRACE(shown(c.text));
         EXPECT_EQ(string_traits::stringToAddr(c.text), c.byKey);
@@ -77,48 +78,26 @@ TEST(ValueForms, AddressesReadAlikeInEverySection) {
             EXPECT_EQ(field, c.byKey);
         }
 
+        // Thread ids stand in section names, in hexadecimal, and read like
+        // tables, kept to 32 bits.
+        auto const thread = static_cast<std::uint32_t>(c.byTable);
         ContextMap contexts;
-        internal::readContextSections({{L"Context.0x1", L"EAX: " + c.text + L"\nR15: " + c.text + L"\n"}}, contexts);
-        EXPECT_EQ(contexts[1].EAX, c.byTable);
-        EXPECT_EQ(contexts[1].R15, c.byTable);
-        RawStackMap raw;
-        CleanStackMap clean;
-        internal::readStackSections({{L"Stack.raw.0x1", L"0x1: " + c.text + L"\n"},
-                                     {L"Stack.clean.0x1", L"+ | " + c.text + L" | " + c.text + L" | m\n"}},
-                                    raw, clean);
-        EXPECT_EQ(raw[1], (RawStack{{1, c.byTable}}));
-        ASSERT_EQ(clean[1].size(), 1u);
-        EXPECT_EQ(clean[1][0].stackAddress, c.byTable);
-        EXPECT_EQ(clean[1][0].address, c.byTable);
-    }
-}
-
-// Thread ids stand in section names, in hexadecimal, and read like tables.
-struct ThreadCase {
-    std::wstring text;
-    std::uint32_t id;
-};
-
-TEST(ValueForms, ThreadIdsReadAlikeInEverySectionName) {
-    ThreadCase const cases[] = {
-        {L"0x000019e8", 0x19e8}, {L"19E8", 0x19e8}, {L"0xffffffff", 0xffffffffu}, {L"0x1a2b3c4d5", 0xa2b3c4d5u},
-        {L"\x0131", 0},          {L"0x1\x0161", 0x10},
-    };
-    for (auto const& c : cases) {
-        SCOPED_TRACE(shown(c.text));
-        ContextMap contexts;
-        internal::readContextSections({{L"Context." + c.text, L"EIP: 0x10\n"}}, contexts);
-        EXPECT_EQ(contexts.count(c.id), 1u);
-        for (std::wstring prefix : {L"Stack.", L"Stack.raw."}) {
+        internal::readContextSections({{L"Context." + c.text, L"EAX: " + c.text + L"\nR15: " + c.text + L"\n"}},
+                                      contexts);
+        EXPECT_EQ(contexts.count(thread), 1u);
+        EXPECT_EQ(contexts[thread].EAX, c.byTable);
+        EXPECT_EQ(contexts[thread].R15, c.byTable);
+        for (std::wstring rawName : {L"Stack.", L"Stack.raw."}) {
             RawStackMap raw;
             CleanStackMap clean;
-            internal::readStackSections({{prefix + c.text, L"0x1: 0x2\n"}}, raw, clean);
-            EXPECT_EQ(raw.count(c.id), 1u) << shown(prefix);
+            internal::readStackSections({{rawName + c.text, L"0x1: " + c.text + L"\n"},
+                                         {L"Stack.clean." + c.text, L"+ | " + c.text + L" | " + c.text + L" | m\n"}},
+                                        raw, clean);
+            EXPECT_EQ(raw[thread], (RawStack{{1, c.byTable}})) << shown(rawName);
+            ASSERT_EQ(clean[thread].size(), 1u);
+            EXPECT_EQ(clean[thread][0].stackAddress, c.byTable);
+            EXPECT_EQ(clean[thread][0].address, c.byTable);
         }
-        RawStackMap raw;
-        CleanStackMap clean;
-        internal::readStackSections({{L"Stack.clean." + c.text, L"+ | 0x1 | 0x2\n"}}, raw, clean);
-        EXPECT_EQ(clean.count(c.id), 1u);
     }
 }
 
@@ -199,38 +178,29 @@ TEST(ValueForms, GuidsReadAlikeAsTextAndInModuleSections) {
         EXPECT_EQ(internal::guidToString(internal::stringToGuid(c.text)), internal::guidToString(c.guid));
         EXPECT_EQ(internal::guidToString(readModule(L"Guid: " + c.text + L"\n").Guid), internal::guidToString(c.guid));
     }
-    EXPECT_EQ(internal::guidToString(sample), L"3f2504e0-4f89-11d3-9a0c-0305e82c3301");
-    EXPECT_EQ(internal::guidToString(Guid{}), L"00000000-0000-0000-0000-000000000000");
 }
-
-struct EscapeCase {
-    std::wstring plain;
-    std::wstring escaped;
-};
 
 // Every field of escaped text set to `value`, as its section writes it: one
 // line per field.
 std::vector<std::wstring> everyTextFieldWritten(std::wstring const& value) {
-    Exception e;
-    e.description = e.module = value;
-    Assertion a;
-    a.expression = a.file = value;
-    ProcessDump d;
-    d.executable = d.commandLine = d.description = value;
+    Exception e{0, value, 0, value};
+    Assertion a{value, value, 0};
+    ProcessDump d{value, value, value};
     ModuleInfo m;
     m.FullName = m.SymbolName = value;
     StringMap modules;
     internal::writeModuleSections({m}, modules);
-    std::wstring const text = internal::exceptionSectionText(e, {}) + internal::assertionSectionText(a, {}) +
-                              internal::processDumpSectionText(d, {}) + modules[L"Module000"];
-    std::vector<std::wstring> lines;
-    for (auto key : {L"Description: ", L"Module: ", L"Expression: ", L"File: ", L"Executable: ", L"Command line: ",
-                     L"FullName: ", L"SymbolName: "}) {
-        for (auto at = text.find(key); at != std::wstring::npos; at = text.find(key, at + 1)) {
-            if (at == 0 || text[at - 1] == L'\n') lines.push_back(text.substr(at, text.find(L'\n', at) - at));
+    std::wistringstream text(internal::exceptionSectionText(e, {}) + internal::assertionSectionText(a, {}) +
+                             internal::processDumpSectionText(d, {}) + modules[L"Module000"]);
+    std::vector<std::wstring> values;
+    for (std::wstring line; std::getline(text, line);) {
+        auto const key = line.substr(0, line.find(L": "));
+        for (auto field : {L"Description", L"Module", L"Expression", L"File", L"Executable", L"Command line",
+                           L"FullName", L"SymbolName"}) {
+            if (key == field) values.push_back(line.substr(key.size() + 2));
         }
     }
-    return lines;
+    return values;
 }
 
 // Every field of escaped text, read from a section whose keys all hold `text`.
@@ -252,45 +222,37 @@ std::vector<std::wstring> everyTextFieldRead(std::wstring const& text) {
             m.SymbolName};
 }
 
-// Line ends, blanks and lone ampersands are escaped.
-TEST(ValueForms, EscapedTextIsWrittenAlikeInEveryField) {
-    EscapeCase const cases[] = {
-        {L"a b", L"a&nbsp;b"},
-        {L"x\r\ny", L"x<br>y"},
-        {L"x\ry", L"x<br>y"},
-        {L"x\ny", L"x<br>y"},
-        {L"x\n\ny", L"x<br><br>y"},
-        {L"&", L"&amp;"},
-        {L"&amp;", L"&amp;"},
-        {L"&nbsp;", L"&amp;nbsp;"},
-        {L"a\tb<c>", L"a\tb<c>"},
-        {L"", L""},
-        {L"\x0416\x4E2D \x00E9\x0131", L"\x0416\x4E2D&nbsp;\x00E9\x0131"},
+// Line ends, blanks and lone ampersands are escaped; decoding is one pass
+// that doesn't look at what it wrote, so not every escaped text is written.
+TEST(ValueForms, EscapedTextIsWrittenAndReadAlikeInEveryField) {
+    enum Way { both, writes, reads };
+    struct { std::wstring plain; std::wstring escaped; Way way; } const cases[] = {
+        {L"a b", L"a&nbsp;b", both},
+        {L"x\r\ny", L"x<br>y", writes},
+        {L"x\ry", L"x<br>y", writes},
+        {L"x\ny", L"x<br>y", both},
+        {L"x\n\ny", L"x<br><br>y", both},
+        {L"&", L"&amp;", both},
+        {L"&amp;", L"&amp;", writes},
+        {L"&nbsp;", L"&amp;nbsp;", both},
+        {L"a\tb<c>", L"a\tb<c>", both},
+        {L"", L"", writes},
+        {L"\x0416\x4E2D \x00E9\x0131", L"\x0416\x4E2D&nbsp;\x00E9\x0131", both},
+        {L"a b\nc", L"a&nbsp;b<br>c", both},
+        {L"<b>", L"<b>", both},
+        {L"&", L"&", reads},
+        {L"C:\\My & Co\\\x0161.dll", L"C:\\My&nbsp;&amp;&nbsp;Co\\\x0161.dll", both},
     };
     for (auto const& c : cases) {
         SCOPED_TRACE(shown(c.escaped));
-        EXPECT_EQ(string_traits::encodeString(c.plain), c.escaped);
-        for (auto const& line : everyTextFieldWritten(c.plain)) {
-            EXPECT_EQ(line.substr(line.find(L": ") + 2), c.escaped) << shown(line);
+        if (c.way != reads) {
+            EXPECT_EQ(string_traits::encodeString(c.plain), c.escaped);
+            EXPECT_EQ(everyTextFieldWritten(c.plain), std::vector<std::wstring>(9, c.escaped));
         }
-    }
-    EXPECT_EQ(everyTextFieldWritten(L"x").size(), 9u);
-}
-
-// Decoding is one pass that doesn't look at what it wrote.
-TEST(ValueForms, EscapedTextIsReadAlikeInEveryField) {
-    EscapeCase const cases[] = {
-        {L"a b\nc", L"a&nbsp;b<br>c"},
-        {L"&nbsp;", L"&amp;nbsp;"},
-        {L"&", L"&amp;"},
-        {L"<b>", L"<b>"},
-        {L"&", L"&"},
-        {L"C:\\My & Co\\\x0161.dll", L"C:\\My&nbsp;&amp;&nbsp;Co\\\x0161.dll"},
-    };
-    for (auto const& c : cases) {
-        SCOPED_TRACE(shown(c.escaped));
-        EXPECT_EQ(string_traits::decodeString(c.escaped), c.plain);
-        EXPECT_EQ(everyTextFieldRead(c.escaped), std::vector<std::wstring>(9, c.plain));
+        if (c.way != writes) {
+            EXPECT_EQ(string_traits::decodeString(c.escaped), c.plain);
+            EXPECT_EQ(everyTextFieldRead(c.escaped), std::vector<std::wstring>(9, c.plain));
+        }
     }
 }
 

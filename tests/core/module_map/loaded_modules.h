@@ -1,11 +1,9 @@
 // The loaded modules of this process as the platform's loader lists them,
 // independently of the module map: dl_iterate_phdr on Linux,
-// EnumProcessModules on Windows. Also the text form in which the child
-// program hands its own list to a test.
+// EnumProcessModules on Windows.
 #pragma once
 
 #include <cstdint>
-#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -19,10 +17,5 @@ struct LoadedModule {
 };
 
 std::vector<LoadedModule> listLoadedModules();
-
-// One module per line, "base size hasCode path", then a line "end".
-void writeModules(std::ostream& out, std::vector<LoadedModule> const& modules);
-// False until the "end" line has been read.
-bool readModules(std::istream& in, std::vector<LoadedModule>& modules);
 
 }  // namespace norvane_test

@@ -1,27 +1,18 @@
-// Helpers of the module map tests: maps that free themselves, entries with
-// heap names, and the map's contents in comparable form.
+// Helpers of the module map tests: entries with heap names, and the map's
+// contents in comparable form.
 #pragma once
 
 #include <norvane_1/module_map.h>
 
 #include "module_map/map_heap.h"
+#include "module_map_ptr.h"
 
 #include <cstdint>
-#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
 namespace norvane_test {
-
-struct MapFree {
-    void operator()(norvane_1::MinidumpModuleMap* map) const { norvane_1::minidumpFreeModuleMap(map); }
-};
-using MapPtr = std::unique_ptr<norvane_1::MinidumpModuleMap, MapFree>;
-
-inline MapPtr newMap() {
-    return MapPtr(norvane_1::minidumpAllocModuleMap());
-}
 
 // An entry whose name is its own heap copy, as the map expects.
 inline norvane_1::MinidumpAddressRange entry(std::uint64_t begin, std::uint64_t end, std::wstring const& name) {

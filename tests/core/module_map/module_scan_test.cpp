@@ -82,13 +82,6 @@ TEST(ModuleScan, EachStretchOfCodeInAnImageMakesOneEntry) {
     EXPECT_EQ(bases, (std::vector<std::uint64_t>{0x1000, 0x1000, 0x1700}));
 }
 
-TEST(ModuleScan, AReservedRegionInsideAnImageEndsAStretchButNotTheImage) {
-    FakeSpace space;
-    space.allocation(0x1000, 'f').allocation(0x100, 'x', L"a").more(0x100, 'r', 0x1000).more(0x100, 'x', 0x1000)
-        .allocation(0x100, 'f');
-    EXPECT_EQ(scan(space), (std::vector<Entry>{{0x1000, 0x1100, L"a"}, {0x1200, 0x1300, L"a"}}));
-}
-
 // The last image of an address space that ends without a free region is
 // closed at its last region's base, which leaves that region out.
 TEST(ModuleScan, TheLastImageIsClosedAtTheLastRegion) {
