@@ -46,11 +46,4 @@ TEST(ContextSections, EveryRegisterIsWrittenUnderItsOwnKeyAndReadBack) {
     for (auto field : registers) EXPECT_EQ(read[0x19e8].*field, c.*field);
 }
 
-TEST(ContextSections, MissingRegistersReadAsZero) {
-    ContextMap read;
-    internal::readContextSections({{L"Context.0x1", L"EIP: 0x10\nUnknown: 1\n"}}, read);
-    EXPECT_EQ(read[1].EIP, 0x10u);
-    EXPECT_EQ(read[1].EAX, 0u);
-}
-
 }  // namespace

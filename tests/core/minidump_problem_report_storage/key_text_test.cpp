@@ -64,10 +64,4 @@ TEST(KeyText, CrLfReadsLikeLf) {
     }
 }
 
-TEST(KeyText, MalformedKeyListKeepsWhatWasRead) {
-    StringMap out{{L"Old", L"kept"}};
-    norvane_1::processSectionToMap(L"A: 1", out, {L"(broken"});
-    EXPECT_EQ(out, (StringMap{{L"Old", L"kept"}}));
-}
-
 }  // namespace

@@ -24,14 +24,6 @@ TEST(ModuleSections, TheListEndsAtTheFirstGap) {
     EXPECT_TRUE(noModules.getModuleInfo().empty());
 }
 
-TEST(ModuleSections, WrappedValuesAreJoinedAndUnknownKeysEndValues) {
-    ProblemReportStorage report;
-    report.fromString(L"[Module000]\nFullName: C:\\a\nb.dll\nChecksum: 12\nGuid: 00000000-0000-0000-0000-000000000001\n");
-    ASSERT_EQ(report.getModuleInfo().size(), 1u);
-    EXPECT_EQ(report.getModuleInfo()[0].FullName, L"C:\\ab.dll");
-    EXPECT_EQ(report.getModuleInfo()[0].Guid.Data4[7], 1);
-}
-
 TEST(ModuleSections, PositionsAboveNineHundredNinetyNineGetFourDigits) {
     ProblemReportStorage report;
     report.getModuleInfo().resize(1001);

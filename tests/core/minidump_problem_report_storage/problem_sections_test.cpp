@@ -40,30 +40,6 @@ TEST(ProblemSections, AssertionExampleIsWrittenExactly) {
               L"ReportPath: C:\\logs\\\n");
 }
 
-TEST(ProblemSections, MissingKeysClearTextButKeepNumbers) {
-    Exception e;
-    e.module = L"old";
-    ProblemFacts facts = sharedFacts(1);
-    internal::readExceptionSection(L"Description: x\nCrashedTID: \n", e, facts);
-    EXPECT_EQ(e.module, L"");
-    EXPECT_EQ(facts.failedProductName, L"");
-    EXPECT_EQ(facts.reportPath, L"");
-    EXPECT_EQ(facts.crashedTid, 6632u);
-    EXPECT_EQ(facts.crashedPid, 4120u);
-    EXPECT_EQ(facts.bitness, 1);
-    internal::readExceptionSection(L"", e, facts);  // an empty section touches nothing
-    EXPECT_EQ(e.description, L"x");
-}
-
-TEST(ProblemSections, AssertionValuesMayBeWrapped) {
-    Assertion a;
-    ProblemFacts facts;
-    internal::readAssertionSection(L"Expression: a&nbsp;==\nb\nFile: x.h\nLine: 2\n12\nProduct: P;\n1\n", a, facts);
-    EXPECT_EQ(a.expression, L"a ==b");
-    EXPECT_EQ(a.line, 212u);
-    EXPECT_EQ(facts.failedProductName, L"P;1");
-}
-
 TEST(ProblemSections, BitnessIsThirtyTwoOnlyForExactlyThirtyTwo) {
     struct { std::wstring value; int expected; } const cases[] = {
         {L"32", 1}, {L"64", 0}, {L"16", 0}, {L"", -1},

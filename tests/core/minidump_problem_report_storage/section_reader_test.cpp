@@ -1,11 +1,8 @@
 // Finding sections in report text.
 #include "minidump_problem_report_storage/section_text.h"
 
-#include <boost/algorithm/string/trim.hpp>
-#include <boost/regex.hpp>
 #include <gtest/gtest.h>
 
-#include <random>
 #include <utility>
 #include <vector>
 
@@ -52,41 +49,6 @@ TEST(SectionReader, FindsHeadsThatStandOnLinesOfTheirOwn) {
          {{L"Log", L"line"}, {L"Something", L"more"}}},
     };
     for (auto const& c : cases) EXPECT_EQ(scan(c.text), c.expected) << c.what;
-}
-
-// The reader in its plainest form: one regular-expression search per head.
-Sections scanByPlainSearch(std::wstring const& text) {
-    boost::wregex const head(L"[\\n\\r]+[[]([\\w \\.]+)[]]([\\n\\r]+)");
-    auto trimLineEnds = [](std::wstring s) {
-        return boost::algorithm::trim_copy_if(s, [](wchar_t c) { return c == L'\r' || c == L'\n'; });
-    };
-    Sections found;
-    boost::wsmatch first;
-    boost::wsmatch next;
-    for (auto at = text.cbegin(); boost::regex_search(at, text.cend(), first, head);) {
-        std::wstring body;
-        if (boost::regex_search(first[2].first, text.cend(), next, head)) {
-            if (first[0].second < next[0].first) body.assign(first[0].second, next[0].first);
-            at = next[0].first;
-        } else {
-            body.assign(first[2].first, text.cend());
-            at = text.cend();
-        }
-        auto name = boost::algorithm::trim_copy(first.str(1));
-        if (!name.empty()) found.emplace_back(name, trimLineEnds(body));
-    }
-    return found;
-}
-
-TEST(SectionReader, AgreesWithAPlainSearchOnRandomText) {
-    std::mt19937 random(20261122);
-    std::wstring const alphabet = L"\n\r[] a.-x\n[";
-    for (int round = 0; round < 20000; ++round) {
-        std::wstring text;
-        auto const length = random() % 40;
-        for (unsigned i = 0; i < length; ++i) text += alphabet[random() % alphabet.size()];
-        ASSERT_EQ(scan(text), scanByPlainSearch(text)) << "round " << round;
-    }
 }
 
 }  // namespace

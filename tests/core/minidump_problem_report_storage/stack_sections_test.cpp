@@ -80,14 +80,4 @@ TEST(StackSections, RawLinesNeedAColonWithTextOnBothSides) {
     EXPECT_EQ(raw[1], (norvane_1::RawStack{{2, 4}}));
 }
 
-// Which names read as which stack is in value_forms_test.cpp; these are
-// neither.
-TEST(StackSections, OtherNamesAreNoStacks) {
-    norvane_1::RawStackMap raw;
-    norvane_1::CleanStackMap clean;
-    norvane_1::internal::readStackSections({{L"Stack", L"0x1: 0x2\n"}, {L"Stack.old.0x7", L"0x1: 0x2\n"}}, raw, clean);
-    EXPECT_TRUE(raw.empty());
-    EXPECT_TRUE(clean.empty());
-}
-
 }  // namespace

@@ -1,56 +1,19 @@
-// The whole report: section order, what a round trip keeps, and the text
-// as the contract between the two platforms' builds.
+// The whole report: what a round trip keeps, and the text as the contract
+// between the two platforms' builds.
 #include <norvane_1/problem_report_storage.h>
 
+#include "file_text.h"
 #include "sample_reports.h"
 
 #include <boost/lexical_cast.hpp>
 #include <gtest/gtest.h>
-
-#include <fstream>
-#include <iterator>
 
 namespace {
 
 using norvane_1::ProblemReportStorage;
 using norvane_test::withCrLf;
 
-std::string readFile(std::string const& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
 std::string dataFile(char const* name) { return std::string(NORVANE_TEST_DATA_DIR) + "/reports/" + name; }
-
-TEST(WholeReport, NewReportIsAnEmptyProcessDump) {
-    ProblemReportStorage report;
-    EXPECT_FALSE(report.isException());
-    EXPECT_FALSE(report.isAssertion());
-    EXPECT_FALSE(report.isProcessDump());
-    EXPECT_EQ(report.toString(),
-              L"[ProcessDump]\nCommand line: \nCrashedPID: 0\nCrashedTID: 0\nDescription: \n"
-              L"Executable: \nProduct: \nReportPath: \n\n\n");
-}
-
-TEST(WholeReport, AnAssertionIsWrittenRatherThanAnException) {
-    norvane_1::Exception e;
-    e.description = L"E";
-    norvane_1::Assertion a;
-    a.expression = L"x";
-    ProblemReportStorage both;
-    both.setException(e);
-    both.setAssertion(a);
-    EXPECT_EQ(both.toString().find(L"[Exception]"), std::wstring::npos);
-}
-
-TEST(WholeReport, FromStringAddsToWhatTheObjectHolds) {
-    ProblemReportStorage report;
-    report.setSection(L"Kept", L"yes");
-    report.getModuleInfo().resize(2);
-    report.fromString(L"no sections at all");
-    EXPECT_EQ(report.getSection(L"Kept"), L"yes");
-    EXPECT_TRUE(report.getModuleInfo().empty());
-}
 
 TEST(WholeReport, DamagedNumberStopsTheReaderButKeepsTheSections) {
     ProblemReportStorage report;
@@ -64,7 +27,7 @@ TEST(WholeReport, DamagedNumberStopsTheReaderButKeepsTheSections) {
 // the same UTF-8 bytes: the committed file is that text.
 TEST(WholeReport, TextIsTheSameOnEveryPlatform) {
     auto report = norvane_test::makeRichReport();
-    std::string const expected = readFile(dataFile("rich_report.txt"));
+    std::string const expected = norvane_test::fileText(dataFile("rich_report.txt"));
     ASSERT_FALSE(expected.empty()) << "missing " << dataFile("rich_report.txt");
     EXPECT_EQ(norvane_test::toUtf8(report.toString()), expected);
 }
@@ -78,7 +41,7 @@ TEST(WholeReport, GoldenFilesReadBackIntoTheRecords) {
     for (char const* name : {"rich_report.txt", "rich_report_crlf.txt"}) {
         SCOPED_TRACE(name);
         bool const crlf = std::string(name) == "rich_report_crlf.txt";
-        std::string const bytes = readFile(dataFile(name));
+        std::string const bytes = norvane_test::fileText(dataFile(name));
         ASSERT_FALSE(bytes.empty());
         ProblemReportStorage read;
         EXPECT_TRUE(read.fromString(norvane_test::fromUtf8(bytes)));
