@@ -39,6 +39,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -55,12 +56,9 @@ constexpr double kManyThreadsReportTargetMs = 50.0;
 constexpr double kProcessEndTargetMs = 2.0;
 constexpr std::chrono::seconds kHostTimeLimit{60};
 
-struct Sample {
-    double reportMs;
-    double handlerMs;
-    double endMs;
-    std::optional<double> afterHandlerMs;  // from quick_handler's end to the process's
-};
+// What a run gives, in milliseconds; the last only with quick_handler.
+char const* const kFigures[] = {"fault -> report written", "fault -> handler started", "fault -> process end",
+                                "handler end -> process end"};
 
 // The number behind `prefix` on the first line that starts with it.
 std::optional<std::int64_t> recordedMicroseconds(fs::path const& file, std::string const& prefix) {
@@ -77,17 +75,16 @@ struct Way {
     bool quickHandler;
     char const* description;
     double targetMs;
-    char const* targetOf;  // the figure the target is for
+    int targetOf;  // the figure of kFigures the target is for
 };
 
 Way const kWays[] = {
-    {"call-chain", true, false, "collect mode 1: the library's complete report", kCompleteReportTargetMs,
-     "report"},
+    {"call-chain", true, false, "collect mode 1: the library's complete report", kCompleteReportTargetMs, 0},
     {"call-chain", false, false, "default mode: the final report, stacks read from outside",
-     kCallbackReportTargetMs, "report"},
+     kCallbackReportTargetMs, 0},
     {"fifty-threads", false, false, "default mode, 51 threads: every thread's stack from outside",
-     kManyThreadsReportTargetMs, "report"},
-    {"call-chain", true, true, "collect mode 1, a handler that exits at once", kProcessEndTargetMs, "end"},
+     kManyThreadsReportTargetMs, 0},
+    {"call-chain", true, true, "collect mode 1, a handler that exits at once", kProcessEndTargetMs, 2},
 };
 
 norvane_test::ChildOptions hostOptions(fs::path const& directory, Way const& way) {
@@ -110,7 +107,8 @@ norvane_test::ChildOptions hostOptions(fs::path const& directory, Way const& way
     return options;
 }
 
-std::optional<Sample> runOnce(fs::path const& directory, Way const& way) {
+// The figures of one run, as kFigures names them; none if it failed.
+std::vector<double> runOnce(fs::path const& directory, Way const& way) {
     fs::create_directories(directory);
     norvane_test::ChildProcess host(hostOptions(directory, way));
     norvane_test::ChildOutcome const outcome = host.wait(kHostTimeLimit);
@@ -119,7 +117,7 @@ std::optional<Sample> runOnce(fs::path const& directory, Way const& way) {
                            .count();
     if (!outcome.finished || outcome.exitCode != 3) {
         std::cerr << "crash_bench: the host " << norvane_test::describe(outcome) << '\n';
-        return std::nullopt;
+        return {};
     }
     auto const fault = recordedMicroseconds(directory / "fault.txt", "fault-us: ");
     auto const handler = recordedMicroseconds(directory / "handler.txt", "started-us: ");
@@ -127,11 +125,11 @@ std::optional<Sample> runOnce(fs::path const& directory, Way const& way) {
     auto const handlerEnd = recordedMicroseconds(directory / "handler.txt", "ended-us: ");
     if (!fault || !handler || !report || (way.quickHandler && !handlerEnd)) {
         std::cerr << "crash_bench: a time is missing in " << directory.u8string() << '\n';
-        return std::nullopt;
+        return {};
     }
-    std::optional<double> afterHandlerMs;
-    if (handlerEnd) afterHandlerMs = (ended - *handlerEnd) / 1000.0;
-    return Sample{(*report - *fault) / 1000.0, (*handler - *fault) / 1000.0, (ended - *fault) / 1000.0, afterHandlerMs};
+    std::vector<double> figures{(*report - *fault) / 1000.0, (*handler - *fault) / 1000.0, (ended - *fault) / 1000.0};
+    if (handlerEnd) figures.push_back((ended - *handlerEnd) / 1000.0);
+    return figures;
 }
 
 void printFigures(char const* label, std::vector<double> values, char const* target = "") {
@@ -143,29 +141,20 @@ void printFigures(char const* label, std::vector<double> values, char const* tar
 
 // The runs of one way; false if any failed.
 bool measure(Way const& way, int runs, fs::path const& scratch) {
-    std::vector<double> reportTimes;
-    std::vector<double> handlerTimes;
-    std::vector<double> endTimes;
-    std::vector<double> afterHandlerTimes;
+    std::vector<double> times[std::size(kFigures)];
     for (int run = 0; run < runs; ++run) {
         fs::path const directory = scratch / (std::to_string(&way - kWays) + "-" + std::to_string(run));
-        if (auto const sample = runOnce(directory, way)) {
-            reportTimes.push_back(sample->reportMs);
-            handlerTimes.push_back(sample->handlerMs);
-            endTimes.push_back(sample->endMs);
-            if (sample->afterHandlerMs) afterHandlerTimes.push_back(*sample->afterHandlerMs);
-        }
+        std::vector<double> const figures = runOnce(directory, way);
+        for (std::size_t i = 0; i < figures.size(); ++i) times[i].push_back(figures[i]);
     }
-    std::printf("%s: %zu of %d runs\n", way.description, reportTimes.size(), runs);
-    if (reportTimes.empty()) return false;
+    std::printf("%s: %zu of %d runs\n", way.description, times[0].size(), runs);
+    if (times[0].empty()) return false;
     char target[64] = "";
     std::snprintf(target, sizeof target, "target <= %.1f (native Release)", way.targetMs);
-    bool const forReport = std::string(way.targetOf) == "report";
-    printFigures("fault -> report written", reportTimes, forReport ? target : "");
-    printFigures("fault -> handler started", handlerTimes);
-    printFigures("fault -> process end", endTimes, forReport ? "" : target);
-    if (!afterHandlerTimes.empty()) printFigures("handler end -> process end", afterHandlerTimes);
-    return reportTimes.size() == static_cast<std::size_t>(runs);
+    for (int i = 0; i < static_cast<int>(std::size(kFigures)); ++i) {
+        if (!times[i].empty()) printFigures(kFigures[i], times[i], i == way.targetOf ? target : "");
+    }
+    return times[0].size() == static_cast<std::size_t>(runs);
 }
 
 fs::path scratchDirectory() {

@@ -62,7 +62,7 @@ TEST(ReportExtras, AFinishedReportCarriesTheHostsDataInItsPlace) {
     CrashRun run;
     fs::create_directories(run.logDirectory());
     writeLog(run.logDirectory() / "older.log", "old line\n", std::chrono::hours(2));
-    writeLog(run.logDirectory() / "newer.log", "first line\nsecond line\nno line end", std::chrono::hours(1));
+    writeLog(run.logDirectory() / "newer.log", u8"первая строка\n第二行\nno line end", std::chrono::hours(1));
     ASSERT_TRUE(crash_test::handledByLibrary(run.run("custom-sections"))) << run.hostOutput();
 
     std::string const text = run.logFile("crash_info.txt");
@@ -76,7 +76,7 @@ TEST(ReportExtras, AFinishedReportCarriesTheHostsDataInItsPlace) {
     EXPECT_EQ(order.back(), L"CreationLog");
 
     norvane_1::ProblemReportStorage report = run.readReport();
-    EXPECT_EQ(withoutCarriageReturns(report.getSection(L"PremortalLog")), L"first line\nsecond line");
+    EXPECT_EQ(withoutCarriageReturns(report.getSection(L"PremortalLog")), wide(std::string(u8"первая строка\n第二行")));
     EXPECT_EQ(withoutCarriageReturns(report.getSection(journal)), wide(std::string(u8"Запись: готово\n记录: 完成")));
     EXPECT_EQ(norvane_1::get(crash_test::sectionKeys(report, L"ClientInfo"), L"Answer"), L"42");
 

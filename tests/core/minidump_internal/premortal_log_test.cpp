@@ -1,11 +1,10 @@
-// The premortal log: the first lines of the newest ".log" file. A last line
-// without a line end, left out, is checked in a crash's report
-// (report_extras_test.cpp).
+// The premortal log: the first lines of the newest ".log" file. Text outside
+// ASCII and a last line without a line end, left out, are checked in a
+// crash's report (report_extras_test.cpp).
 #include <norvane_1/handler_state.h>
 
 #include "plain_handler_state.h"
 
-#include "sample_reports.h"
 #include "test_environment.h"
 
 #include <gtest/gtest.h>
@@ -41,14 +40,6 @@ TEST(PremortalLog, FirstHundredLinesOfTheNewestLog) {
     ASSERT_EQ(words.size(), 100u);
     EXPECT_EQ(words.front(), L"line 1");
     EXPECT_EQ(words.back(), L"line 100");
-}
-
-TEST(PremortalLog, TextOutsideAsciiIsReadAsUtf8) {
-    ScratchDirectory logs("premortal-utf8");
-    std::ofstream(logs.path() / "app.log", std::ios::binary) << u8"ошибка 错误\n";
-    auto const words = wordsOf(logs.path());
-    ASSERT_EQ(words.size(), 1u);
-    EXPECT_EQ(words[0], norvane_test::fromUtf8(u8"ошибка 错误"));
 }
 
 }  // namespace

@@ -37,19 +37,6 @@ TEST(DirectoryWalk, ListsItemsWithFullPathsAndNoDots) {
     EXPECT_TRUE(contentOf(root.path() / "sub" / "deeper").empty());  // empty: true, no items
 }
 
-TEST(DirectoryWalk, FailsOnShortOrMissingDirectories) {
-    struct CountCalls : forEachDirItemCallback {
-        bool operator()(std::wstring const&) override { return ++calls, true; }
-        int calls = 0;
-    } callback;
-    ScratchDirectory root("walk-missing");
-    EXPECT_FALSE(forEachDirItem(L"a", callback));
-    EXPECT_FALSE(forEachDirItem((root.path() / "missing").wstring(), callback));
-    touch(root.path() / "file");
-    EXPECT_FALSE(forEachDirItem((root.path() / "file").wstring(), callback));
-    EXPECT_EQ(callback.calls, 0);
-}
-
 TEST(TaggedRemoval, OnlyADirectoryWithTheMarkerGoes) {
     ScratchDirectory root("tagged");
     fs::path const untagged = root.path() / "untagged";
