@@ -1,6 +1,7 @@
-// The "Exception", "Assertion" and "ProcessDump" sections and their shared
-// keys. Value forms are in value_forms_test.cpp; the exception section as
-// written is in the golden report (whole_report_test.cpp).
+// The process's bitness in the problem sections. Value forms, escaping among
+// them, are in value_forms_test.cpp; the exception section as written is in
+// the golden report (whole_report_test.cpp), the assertion section read back
+// in the JSON round trip (report_json_test.cpp).
 #include <norvane_1/problem_report_storage.h>
 
 #include "minidump_problem_report_storage/problem_sections.h"
@@ -11,34 +12,6 @@ namespace {
 
 using namespace norvane_1;
 using internal::ProblemFacts;
-
-std::wstring const kProduct = L"Package ID: 1\nPackage Contents: Sample Tool\nBuild Number: 612345\n";
-
-ProblemFacts sharedFacts(int bitness) {
-    ProblemFacts facts;
-    facts.crashedPid = 4120;
-    facts.crashedTid = 6632;
-    facts.bitness = bitness;
-    facts.failedProductName = internal::failedProductName(kProduct);
-    facts.reportPath = L"C:\\logs\\";
-    return facts;
-}
-
-TEST(ProblemSections, AssertionExampleIsWrittenExactly) {
-    Assertion a;
-    a.expression = L"m_ptr != 0";
-    a.file = L"core/list.h";
-    a.line = 212;
-    EXPECT_EQ(internal::assertionSectionText(a, sharedFacts(1)),
-              L"CrashedPID: 4120\n"
-              L"CrashedTID: 6632\n"
-              L"Expression: m_ptr&nbsp;!=&nbsp;0\n"
-              L"File: core/list.h\n"
-              L"Line: 212\n"
-              L"ProcessBitness: 32\n"
-              L"Product: Sample Tool; 612345\n"
-              L"ReportPath: C:\\logs\\\n");
-}
 
 TEST(ProblemSections, BitnessIsThirtyTwoOnlyForExactlyThirtyTwo) {
     struct { std::wstring value; int expected; } const cases[] = {

@@ -82,13 +82,5 @@ TEST(ModuleScan, EachStretchOfCodeInAnImageMakesOneEntry) {
     EXPECT_EQ(bases, (std::vector<std::uint64_t>{0x1000, 0x1000, 0x1700}));
 }
 
-// The last image of an address space that ends without a free region is
-// closed at its last region's base, which leaves that region out.
-TEST(ModuleScan, TheLastImageIsClosedAtTheLastRegion) {
-    FakeSpace space;
-    space.allocation(0x1000, 'f').allocation(0x100, 'x', L"a").more(0x100, 'x', 0x1000);
-    EXPECT_EQ(scan(space), (std::vector<Entry>{{0x1000, 0x1100, L"a"}}));
-}
-
 }  // namespace
 }  // namespace norvane_test
