@@ -1,6 +1,8 @@
-// "Module000"... sections as read. Value forms, GUIDs among them, are in
-// value_forms_test.cpp; the sections as written, and their round trip, in
-// the golden report (whole_report_test.cpp).
+// "Module000"... sections past the thousandth. Value forms, GUIDs among
+// them, are in value_forms_test.cpp; the sections as written, and their round
+// trip, in the golden report (whole_report_test.cpp); a list that ends at a
+// gap, the sections behind it kept as text, in the JSON round trip of an
+// on-demand report (report_json_test.cpp).
 #include <norvane_1/problem_report_storage.h>
 
 #include "minidump_problem_report_storage/module_sections.h"
@@ -10,19 +12,6 @@
 namespace {
 
 using norvane_1::ProblemReportStorage;
-
-TEST(ModuleSections, TheListEndsAtTheFirstGap) {
-    ProblemReportStorage report;
-    report.fromString(L"[Module000]\nFullName: a\n\n[Module002]\nFullName: c\n\n[Module0]\nFullName: z\n");
-    ASSERT_EQ(report.getModuleInfo().size(), 1u);
-    EXPECT_EQ(report.getModuleInfo()[0].FullName, L"a");
-    // Sections behind the gap are written again under their own names.
-    EXPECT_NE(report.toString().find(L"[Module002]\nFullName: c\n"), std::wstring::npos);
-
-    ProblemReportStorage noModules;
-    noModules.fromString(L"[Module0]\nFullName: z\n");
-    EXPECT_TRUE(noModules.getModuleInfo().empty());
-}
 
 TEST(ModuleSections, PositionsAboveNineHundredNinetyNineGetFourDigits) {
     ProblemReportStorage report;

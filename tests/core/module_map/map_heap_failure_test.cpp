@@ -34,14 +34,9 @@ TEST_F(ExhaustedHeap, CreationGivesNullWhicheverAllocationFails) {
     }
 }
 
-MapPtr fullMap() {
+TEST_F(ExhaustedHeap, InsertionThatCannotGrowLeavesTheMapAndFreesTheName) {
     MapPtr map = newMap();
     for (std::uint64_t i = 0; i < 4096; ++i) insert(*map, i * 16, i * 16 + 8, L"m");
-    return map;
-}
-
-TEST_F(ExhaustedHeap, InsertionThatCannotGrowLeavesTheMapAndFreesTheName) {
-    MapPtr map = fullMap();
     norvane_1::MinidumpAddressRange range = entry(1, 2, L"N");  // its name is made before the heap runs out
     allowAllocations(0);
     EXPECT_EQ(norvane_1::insertAddressRange(map.get(), &range), 1);

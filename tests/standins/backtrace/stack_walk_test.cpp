@@ -84,11 +84,6 @@ TEST(StackWalk, FindsItsOwnCallersInOrder) {
     }
 }
 
-// Every frame of a walk stands higher on the stack than the one before.
-void expectRising(norvane_1::CleanStack const& frames) {
-    for (std::size_t i = 1; i < frames.size(); ++i) ASSERT_GT(frames[i].stackAddress, frames[i - 1].stackAddress);
-}
-
 // Garbage of every kind under the stack pointer, code addresses of this
 // process's modules among it, and a scan that took all of it for return
 // addresses: the walk ends, without a fault, with frames that rise.
@@ -117,7 +112,10 @@ TEST(StackWalk, GarbageOnTheStackNeverMakesTheWalkFault) {
             registers.EBP = random() % 2 ? random() : stack + random() % 4096;
             norvane_1::CleanStack frames;
             helper->walkStack(kBits64, registers, scanned, frames);
-            expectRising(frames);
+            // Every frame stands higher on the stack than the one before.
+            for (std::size_t i = 1; i < frames.size(); ++i) {
+                ASSERT_GT(frames[i].stackAddress, frames[i - 1].stackAddress);
+            }
         }
     });
 }
