@@ -49,12 +49,6 @@ std::wstring quoted(std::wstring const& argument) {
     return out + L"\"";
 }
 
-std::wstring commandLine(ChildOptions const& options) {
-    std::wstring line = quoted(options.program.wstring());
-    for (auto const& argument : options.arguments) line += L" " + quoted(toWide(argument));
-    return line;
-}
-
 // Names of variables are compared without regard to case, as Windows does.
 std::map<std::wstring, std::wstring> changedEnvironment(
     std::map<std::string, std::optional<std::string>> const& changes) {
@@ -77,12 +71,6 @@ std::map<std::wstring, std::wstring> changedEnvironment(
     return entries;
 }
 
-std::wstring environmentBlock(std::map<std::wstring, std::wstring> const& entries) {
-    std::wstring block;
-    for (auto const& entry : entries) block += entry.second + L'\0';
-    return block + L'\0';
-}
-
 HANDLE inheritableOutputFile(std::filesystem::path const& path) {
     SECURITY_ATTRIBUTES security{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
     return ::CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &security, CREATE_ALWAYS,
@@ -97,8 +85,11 @@ struct ChildProcess::Platform {
 };
 
 ChildProcess::ChildProcess(ChildOptions const& options) : m_platform(new Platform) {
-    std::wstring line = commandLine(options);
-    std::wstring block = environmentBlock(changedEnvironment(options.environment));
+    std::wstring line = quoted(options.program.wstring());
+    for (auto const& argument : options.arguments) line += L" " + quoted(toWide(argument));
+    std::wstring block;
+    for (auto const& entry : changedEnvironment(options.environment)) block += entry.second + L'\0';
+    block += L'\0';
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     HANDLE output = INVALID_HANDLE_VALUE;

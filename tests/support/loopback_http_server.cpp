@@ -13,11 +13,6 @@ namespace {
 constexpr int kPollMilliseconds = 50;
 constexpr int kReadPatienceMilliseconds = 5000;
 
-std::string lowerCase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
-    return text;
-}
-
 // The request line and headers of `head` (up to the blank line).
 ReceivedRequest parseHead(std::string const& head) {
     ReceivedRequest request;
@@ -31,7 +26,9 @@ ReceivedRequest parseHead(std::string const& head) {
         if (colon == std::string::npos) continue;
         std::string value = line.substr(colon + 1);
         value.erase(0, value.find_first_not_of(' '));
-        request.headers[lowerCase(line.substr(0, colon))] = value;
+        std::string name = line.substr(0, colon);
+        std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
+        request.headers[name] = value;
     }
     return request;
 }
