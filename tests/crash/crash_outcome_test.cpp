@@ -146,14 +146,6 @@ TEST(CrashOutcome, FaultDuringResetOrExitEndsTheProcess) {
     }
 }
 
-// exit() inside the shutdown callback: the crash goes on from the exit's
-// clean-up, with its report, and the process ends with exit code 3.
-TEST(CrashOutcome, ExitInsideTheShutdownCallbackEndsWithExitCode3) {
-    CrashRun run;
-    ASSERT_TRUE(crash_test::handledByLibrary(run.run("exiting-callback")));
-    EXPECT_EQ(run.readReport().getException().code, 0xC0000005u);
-}
-
 // The host has loaded the library before main(); until install only its own
 // thread runs.
 TEST(CrashOutcome, LoadingStartsNoThreadAndResetLeavesNone) {

@@ -84,6 +84,8 @@ INSTANTIATE_TEST_SUITE_P(
                     CrashKind{"sleeping-threads", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
                     // The callback's own fault abandons the callback; the first crash is reported.
                     CrashKind{"faulting-callback", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
+                    // exit() inside the callback: the crash goes on from the exit's clean-up.
+                    CrashKind{"exiting-callback", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
                     // Ours must be back within the 1.5 s the host waits.
                     CrashKind{"replace-filter", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"}));
 

@@ -47,9 +47,9 @@ std::string CrashRun::logFile(char const* name) const { return norvane_test::fil
 
 bool CrashRun::reportWritten() const { return std::filesystem::exists(m_logDirectory / "crash_info.txt"); }
 
-norvane_1::ProblemReportStorage CrashRun::readReport() const {
+norvane_1::ProblemReportStorage CrashRun::readReport(std::string const& name) const {
     norvane_1::ProblemReportStorage report;
-    report.fromString(VANTIX_2_18::utf::from_utf8(logFile("crash_info.txt")));
+    report.fromString(VANTIX_2_18::utf::from_utf8(logFile(name.c_str())));
     return report;
 }
 

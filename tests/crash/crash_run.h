@@ -42,8 +42,8 @@ public:
     std::string logFile(char const* name) const;
 
     bool reportWritten() const;
-    // crash_info.txt, read with the library's reader.
-    norvane_1::ProblemReportStorage readReport() const;
+    // A report of the log directory, read with the library's reader.
+    norvane_1::ProblemReportStorage readReport(std::string const& name = "crash_info.txt") const;
     // The arguments the handler recorded; nothing if it never started.
     std::optional<std::vector<std::string>> handlerArguments() const;
     // The records of norvane_creation_log.txt, one a line.

@@ -34,12 +34,6 @@ std::vector<std::string> reportFiles(std::filesystem::path const& directory) {
     return names;
 }
 
-norvane_1::ProblemReportStorage readReport(std::filesystem::path const& file) {
-    norvane_1::ProblemReportStorage report;
-    report.fromString(VANTIX_2_18::utf::from_utf8(norvane_test::fileText(file)));
-    return report;
-}
-
 // The host asks for a report of itself: the library writes it, names it
 // after the host, and has the tool complete it with the threads' stacks.
 TEST(OnDemandReport, OfTheHostGoesThroughTheTool) {
@@ -60,7 +54,7 @@ TEST(OnDemandReport, OfTheHostGoesThroughTheTool) {
                                                "-dump-memory=0"};
     EXPECT_EQ(*arguments, expected);
 
-    auto report = readReport(run.logDirectory() / files[0]);
+    auto report = run.readReport(files[0]);
     EXPECT_TRUE(report.isProcessDump());
     EXPECT_FALSE(report.isException());
     EXPECT_EQ(report.getCrashedPid(), 0u);

@@ -11,7 +11,6 @@
 namespace {
 
 using norvane_1::ProblemReportStorage;
-using norvane_test::withCrLf;
 
 std::string dataFile(char const* name) { return std::string(NORVANE_TEST_DATA_DIR) + "/reports/" + name; }
 
@@ -51,7 +50,7 @@ TEST(WholeReport, GoldenFilesReadBackIntoTheRecords) {
         EXPECT_EQ(read.getContextMap()[0x19e8].R15, 0xffffffffffffffffULL);
         EXPECT_EQ(read.getException().description, reference.getException().description);
         std::wstring const deviceInfo = reference.getSection(L"Device Info");
-        EXPECT_EQ(read.getSection(L"Device Info"), crlf ? withCrLf(deviceInfo) : deviceInfo);
+        EXPECT_EQ(read.getSection(L"Device Info"), crlf ? norvane_test::withCrLf(deviceInfo) : deviceInfo);
         // Clean frames keep a CR in their module column: the one documented difference.
         EXPECT_EQ(read.getStackFramesMap()[0x19e8][0].module, crlf ? L"sample tool.dll\r" : L"sample tool.dll");
         if (crlf) continue;
