@@ -32,6 +32,6 @@ void* loadLibrary() { return ::dlopen(NORVANE_LIBRARY_FILE, RTLD_NOW | RTLD_LOCA
 
 void* librarySymbol(void* library, char const* name) { return ::dlsym(library, name); }
 
-double timeTargetFactor() { return 1; }
+double targetFactor() { return 1; }
 
 }  // namespace load_bench
