@@ -80,8 +80,8 @@ struct Way {
 
 Way const kWays[] = {
     {"call-chain", true, false, "collect mode 1: the library's complete report", kCompleteReportTargetMs, 0},
-    {"call-chain", false, false, "default mode: the final report, stacks read from outside",
-     kCallbackReportTargetMs, 0},
+    {"call-chain", false, false, "default mode: the final report, stacks read from outside", kCallbackReportTargetMs,
+     0},
     {"fifty-threads", false, false, "default mode, 51 threads: every thread's stack from outside",
      kManyThreadsReportTargetMs, 0},
     {"call-chain", true, true, "collect mode 1, a handler that exits at once", kProcessEndTargetMs, 2},

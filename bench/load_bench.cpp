@@ -69,8 +69,8 @@ int measureOnce(int idleSeconds) {
         std::this_thread::sleep_for(std::chrono::seconds(idleSeconds));
         idleMsPerSecond = (load_bench::processFigures().cpuMs - idleStart) / idleSeconds;
     }
-    std::printf("%f %d %f %f %f\n", loadMs, loaded.threads - before.threads,
-                loaded.residentKiB - before.residentKiB, installMs, idleMsPerSecond);
+    std::printf("%f %d %f %f %f\n", loadMs, loaded.threads - before.threads, loaded.residentKiB - before.residentKiB,
+                installMs, idleMsPerSecond);
     return 0;
 }
 
@@ -90,11 +90,10 @@ std::vector<double> runChild(fs::path const& output, int idleSeconds) {
     return figures;
 }
 
-void printFigure(char const* name, std::vector<double> values, double target, char const* unit,
-                 bool isTarget = true) {
+void printFigure(char const* name, std::vector<double> values, double target, char const* unit, bool isTarget = true) {
     std::sort(values.begin(), values.end());
-    std::printf("  %-18s median %9.3f  min %9.3f  max %9.3f %-5s  ", name, values[values.size() / 2],
-                values.front(), values.back(), unit);
+    std::printf("  %-18s median %9.3f  min %9.3f  max %9.3f %-5s  ", name, values[values.size() / 2], values.front(),
+                values.back(), unit);
     if (!isTarget) {
         std::printf("the fastest peer: %g %s\n", target, unit);
         return;
@@ -108,7 +107,8 @@ int main(int argc, char** argv) {
     if (argc == 3 && std::string(argv[1]) == "--child") return measureOnce(std::atoi(argv[2]));
     int const runs = std::max(1, argc > 1 ? std::atoi(argv[1]) : 15);
     int const idleSeconds = std::max(1, argc > 2 ? std::atoi(argv[2]) : 5);
-    fs::path const output = fs::temp_directory_path() / ("load_bench_" + std::to_string(Clock::now().time_since_epoch().count()));
+    fs::path const output = fs::temp_directory_path() /
+                            ("load_bench_" + std::to_string(Clock::now().time_since_epoch().count()));
     std::vector<std::vector<double>> columns(5);
     for (int run = 0; run <= runs; ++run) {
         // The last child idles; only its CPU time is taken.

@@ -101,8 +101,7 @@ std::vector<std::unique_ptr<gavrel2::shared_lib_t>> loadCopies(fs::path const& s
     fs::create_directories(scratch);
     for (int i = 0; i < kExtraModules; ++i) {
         std::string const stem = "mmb_" + std::to_string(i);
-        fs::copy_file(original, scratch / (stem + original.extension().string()),
-                      fs::copy_options::overwrite_existing);
+        fs::copy_file(original, scratch / (stem + original.extension().string()), fs::copy_options::overwrite_existing);
         auto module = std::make_unique<gavrel2::shared_lib_t>();
         if (!module->initialize(std::wstring(stem.begin(), stem.end()), gavrel2::path_t(scratch.wstring()))) {
             std::fprintf(stderr, "could not load copy %d of %s\n", i, original.string().c_str());

@@ -11,8 +11,10 @@
 namespace {
 
 struct LargeReport {
-    LargeReport() : report(norvane_test::makeLargeReport()), text(report.toString()),
-                    utf8Bytes(static_cast<std::int64_t>(norvane_test::toUtf8(text).size())) {}
+    LargeReport()
+        : report(norvane_test::makeLargeReport()),
+          text(report.toString()),
+          utf8Bytes(static_cast<std::int64_t>(norvane_test::toUtf8(text).size())) {}
     norvane_1::ProblemReportStorage report;
     std::wstring text;
     std::int64_t utf8Bytes;

@@ -37,7 +37,8 @@ __attribute__((noinline)) int descend(int depth, Use const& atTheDeepest) {
     volatile unsigned char frame[kFrameBytes - 64];
     frame[depth % sizeof frame] = static_cast<unsigned char>(depth);
     if (depth == 0) {
-        norvane_test::withOwnRegisters([&](norvane_1::Context const& registers, std::uint64_t) { atTheDeepest(registers); });
+        norvane_test::withOwnRegisters(
+            [&](norvane_1::Context const& registers, std::uint64_t) { atTheDeepest(registers); });
         return frame[0];
     }
     return descend(depth - 1, atTheDeepest) + frame[depth % sizeof frame];  // no tail call: every frame stays
@@ -84,8 +85,9 @@ int main(int argc, char** argv) {
         }
     });
     std::sort(times.begin(), times.end());
-    std::printf("stack_collection_bench: %d collections of a thread with %d KB of frames (%zu frames, %zu modules kept)\n",
-                repetitions, kStackBytes / 1024, frames, modules);
+    std::printf(
+        "stack_collection_bench: %d collections of a thread with %d KB of frames (%zu frames, %zu modules kept)\n",
+        repetitions, kStackBytes / 1024, frames, modules);
     std::printf("  %-44s median %8.3f ms   fastest %8.3f ms   target <= %.1f ms (native Release)\n",
                 "in-process collection", times[times.size() / 2], times.front(), kTargetMs);
     return 0;

@@ -34,8 +34,8 @@ std::string shown(std::wstring const& text, std::size_t limit = 200) {
 std::string firstDifference(std::wstring const& expected, std::wstring const& actual) {
     auto const at = std::mismatch(expected.begin(), expected.end(), actual.begin(), actual.end()).first;
     std::size_t const from = static_cast<std::size_t>(at - expected.begin());
-    return "first difference at character " + std::to_string(from) + ": expected " +
-           shown(expected.substr(from), 120) + ", actual " + shown(actual.substr(std::min(from, actual.size())), 120);
+    return "first difference at character " + std::to_string(from) + ": expected " + shown(expected.substr(from), 120) +
+           ", actual " + shown(actual.substr(std::min(from, actual.size())), 120);
 }
 
 // ---------------------------------------------------------------------------
@@ -57,8 +57,7 @@ void dropCarriageReturnsOfModules(ProblemReportStorage& report) {
 // The sections that toString makes anew from values read out of key text or
 // from the product text. Only the problem records' own fields are escaped:
 // the other values, and the product text, are written as they stand.
-constexpr wchar_t const* kRewrittenSections[] = {L"Exception", L"Assertion", L"ProcessDump", L"Dump",
-                                                 L"Products"};
+constexpr wchar_t const* kRewrittenSections[] = {L"Exception", L"Assertion", L"ProcessDump", L"Dump", L"Products"};
 
 // A value may go on over lines that begin with "[", and the reader trims it,
 // so a last line "[Name]" followed by a blank or a tab comes out as "[Name]"
@@ -117,8 +116,8 @@ std::string checkRoundTrip(std::wstring text) {
     try {
         second.fromString(written);
     } catch (std::exception const& error) {
-        return "report round trip: reading the written report threw " + std::string(error.what()) +
-               "\n  written " + shown(written, 400);
+        return "report round trip: reading the written report threw " + std::string(error.what()) + "\n  written " +
+               shown(written, 400);
     }
     dropCarriageReturnsOfModules(second);
     std::wstring const rewritten = second.toString();
@@ -144,8 +143,7 @@ void readAsKeyText(std::wstring const& text) {
 }  // namespace
 
 std::string checkReportText(std::uint8_t const* data, std::size_t size) {
-    std::wstring const text =
-        VANTIX_2_18::utf::from_utf8(std::string(reinterpret_cast<char const*>(data), size));
+    std::wstring const text = VANTIX_2_18::utf::from_utf8(std::string(reinterpret_cast<char const*>(data), size));
     readAsKeyText(text);
     return checkRoundTrip(text);
 }

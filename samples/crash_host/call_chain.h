@@ -19,5 +19,4 @@ void crash_host_fault_without_unwind_info();
 // In the chain library, a shared library of the sample's own:
 // crash_chain_entry -> crash_chain_inner -> crash_chain_fault (a null write).
 void crash_chain_entry();
-
 }

@@ -53,9 +53,7 @@ CRASH_HOST_FAULT void divideByZero() {
 
 void callAbort() { std::abort(); }
 
-void uncaughtException() {
-    throw std::runtime_error("no one catches this");
-}
+void uncaughtException() { throw std::runtime_error("no one catches this"); }
 
 void corruptHeap() {
     // Too large for the per-thread cache, which checks without the lock.

@@ -5,8 +5,8 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <ucontext.h>
 #include <unistd.h>
 

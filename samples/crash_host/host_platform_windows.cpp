@@ -38,8 +38,7 @@ void handOver(CONTEXT& context) {
     std::memset(&record, 0, sizeof record);
     record.ExceptionCode = EXCEPTION_BREAKPOINT;
     record.ExceptionAddress = reinterpret_cast<PVOID>(context.Rip);
-    std::printf("crash_host: captured instruction pointer 0x%016" PRIx64 "\n",
-                static_cast<std::uint64_t>(context.Rip));
+    std::printf("crash_host: captured instruction pointer 0x%016" PRIx64 "\n", static_cast<std::uint64_t>(context.Rip));
     std::fflush(stdout);
     EXCEPTION_POINTERS pointers{&record, &context};
     norvane_1::runExceptionHandler(&pointers);

@@ -254,7 +254,8 @@ Kind const kKinds[] = {
     {"uncaught-exception", "throwing an exception nothing catches", []() -> int { fault(uncaughtException); }, false},
     {"run-exception-handler", "handing captured registers to runExceptionHandler",
      []() -> int { return runHandlerDirectly(runOwnExceptionHandler); }, false},
-    {"two-threads", "accessing address 0 on two threads at once", []() -> int { fault(faultOnTwoThreadsAtOnce); }, false},
+    {"two-threads", "accessing address 0 on two threads at once", []() -> int { fault(faultOnTwoThreadsAtOnce); },
+     false},
     {"two-threads-apart", "accessing address 0 on two threads up to 20 ms apart",
      []() -> int { fault(faultOnTwoThreadsApart); }, false},
     {"two-threads-abort", "calling abort() on two threads up to 20 ms apart",
@@ -262,7 +263,11 @@ Kind const kKinds[] = {
     {"heap-corruption", "freeing a block twice", []() -> int { fault(corruptHeap); }, false},
     {"replace-filter", "replacing the library's crash filter", []() -> int { faultUnderReplacedFilter(); }, false},
     {"reset-threads", "counting threads around install and reset", countThreadsAroundInstall, true},
-    {"reset-and-abort", "taking crash handling off and aborting", []() -> int { norvane_1::resetAndAbort(); return 0; },
+    {"reset-and-abort", "taking crash handling off and aborting",
+     []() -> int {
+         norvane_1::resetAndAbort();
+         return 0;
+     },
      false},
     {"custom-sections", "registering two custom sections, then accessing address 0", faultWithCustomSections, false},
     {"fault-during-reset", "accessing address 0 while crash handling is reset", faultDuringReset, false},
@@ -284,8 +289,7 @@ Kind const kKinds[] = {
     {"illegal-instruction", "executing an undefined instruction", []() -> int { fault(illegalInstruction); }, false},
     {"breakpoint", "executing a breakpoint", []() -> int { fault(breakpoint); }, false},
     {"stack-overflow", "overflowing the main thread's stack", []() -> int { overflowStack(); }, false},
-    {"stack-overflow-thread", "overflowing a new thread's stack", []() -> int { overflowStackOnNewThread(); },
-     false},
+    {"stack-overflow-thread", "overflowing a new thread's stack", []() -> int { overflowStackOnNewThread(); }, false},
     {"stack-overflow-early-thread", "overflowing the stack of a thread older than the install",
      []() -> int { overflowStackOnEarlierThread(install); }, true},
     {"twenty-threads", "accessing address 0 on 20 threads at once", []() -> int { faultOnTwentyThreads(); }, false},

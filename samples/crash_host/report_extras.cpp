@@ -36,7 +36,8 @@ bool registerCustomSections() {
     std::string const directory = variable("NORVANE_LOG_DIR");
     if (directory.empty()) return false;
     fs::create_directories(fs::u8path(directory));
-    bool const device = writeSection(directory, "device info.txt", "GPU: test adapter\nDriver: 1.2.3\n", L"Device Info");
+    bool const device = writeSection(directory, "device info.txt", "GPU: test adapter\nDriver: 1.2.3\n",
+                                     L"Device Info");
     bool const journal = writeSection(directory, u8"заметки 笔记.txt", u8"Запись: готово\n记录: 完成\n",
                                       from_utf8(u8"Журнал 日志"));
     return device && journal;

@@ -82,11 +82,10 @@ int main(int argc, char** argv) {
     readBack.fromString(text);
     auto const& exception = readBack.getException();
     std::cout << "Read back: " << toUtf8(exception.description) << " at "
-              << toUtf8(norvane_1::string_traits::addrToString(exception.address)) << " in "
-              << toUtf8(exception.module) << ", process " << readBack.getCrashedPid() << ", thread "
-              << readBack.getCrashedTid() << ", " << readBack.getModuleInfo().size() << " module(s), "
-              << readBack.getStackFramesMap().size() << " clean stack(s), product \""
-              << toUtf8(readBack.getFailedProductName()) << "\"\n";
+              << toUtf8(norvane_1::string_traits::addrToString(exception.address)) << " in " << toUtf8(exception.module)
+              << ", process " << readBack.getCrashedPid() << ", thread " << readBack.getCrashedTid() << ", "
+              << readBack.getModuleInfo().size() << " module(s), " << readBack.getStackFramesMap().size()
+              << " clean stack(s), product \"" << toUtf8(readBack.getFailedProductName()) << "\"\n";
     // Free text loses the line ends at its ends when it is read; from then on
     // writing and reading give the same text again and again.
     std::wstring const once = readBack.toString();

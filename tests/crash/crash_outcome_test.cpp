@@ -17,8 +17,8 @@ using crash_test::CrashRun;
 std::ptrdiff_t recordsSaying(CrashRun const& run, std::string const& text) {
     auto const log = run.creationLog();
     return std::count_if(log.begin(), log.end(), [&](std::string const& line) {
-        return line.size() > text.size() && line.compare(line.size() - text.size() - 3, std::string::npos,
-                                                          " : " + text) == 0;
+        return line.size() > text.size() &&
+               line.compare(line.size() - text.size() - 3, std::string::npos, " : " + text) == 0;
     });
 }
 
@@ -80,11 +80,11 @@ TEST_P(HandlerLookups, DecideWhetherTheHandlerStarts) {
     EXPECT_EQ(run.handlerArguments().has_value(), lookup.handlerStarts);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    CrashOutcome, HandlerLookups,
-    testing::Values(HandlerLookup{"variableWinsOverProgramDirectory", true, nullptr, true, true},
-                    HandlerLookup{"variableNamesMissingFile", false, "no such handler", false, false},
-                    HandlerLookup{"programDirectoryWithoutHandler", false, nullptr, true, false}));
+INSTANTIATE_TEST_SUITE_P(CrashOutcome, HandlerLookups,
+                         testing::Values(HandlerLookup{"variableWinsOverProgramDirectory", true, nullptr, true, true},
+                                         HandlerLookup{"variableNamesMissingFile", false, "no such handler", false,
+                                                       false},
+                                         HandlerLookup{"programDirectoryWithoutHandler", false, nullptr, true, false}));
 
 TEST(CrashOutcome, DisabledHandlingLeavesTheCrashToThePlatform) {
     CrashRun run;

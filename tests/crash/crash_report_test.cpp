@@ -63,31 +63,31 @@ TEST_P(EachCrashKind, EndsWithExitCode3AndACompleteReport) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    CrashHost, EachCrashKind,
-    testing::Values(CrashKind{"access-violation", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
-                    CrashKind{"divide-by-zero", 0xC0000094, L"EXCEPTION_INT_DIVIDE_BY_ZERO"},
-                    CrashKind{"abort", 0x412, L"ABORT_CALL"},
-                    // The C++ run-time on both platforms ends a pure call in abort.
-                    CrashKind{"pure-virtual", 0x412, L"ABORT_CALL"},
-                    // The run-time ends it in terminate and abort; the report names it.
-                    CrashKind{"uncaught-exception", 0x412, L"ABORT_CALL", L"std::runtime_error"},
-                    CrashKind{"run-exception-handler", 0x80000003, L"EXCEPTION_BREAKPOINT"},
-                    // A crash passed on leaves handling usable once the host installs again.
-                    CrashKind{"pass-on-then-fault", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
-                    // A reset from inside the crash is refused at once, never waited for.
-                    CrashKind{"reset-in-shutdown-callback", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
-                    CrashKind{"illegal-instruction", 0xC000001D, L"EXCEPTION_ILLEGAL_INSTRUCTION"},
-                    CrashKind{"breakpoint", 0x80000003, L"EXCEPTION_BREAKPOINT"},
-                    // Many faults at once give one report, of one of them.
-                    CrashKind{"twenty-threads", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
-                    CrashKind{"sleeping-threads", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
-                    // The callback's own fault abandons the callback; the first crash is reported.
-                    CrashKind{"faulting-callback", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
-                    // exit() inside the callback: the crash goes on from the exit's clean-up.
-                    CrashKind{"exiting-callback", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
-                    // Ours must be back within the 1.5 s the host waits.
-                    CrashKind{"replace-filter", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"}));
+INSTANTIATE_TEST_SUITE_P(CrashHost, EachCrashKind,
+                         testing::Values(CrashKind{"access-violation", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
+                                         CrashKind{"divide-by-zero", 0xC0000094, L"EXCEPTION_INT_DIVIDE_BY_ZERO"},
+                                         CrashKind{"abort", 0x412, L"ABORT_CALL"},
+                                         // The C++ run-time on both platforms ends a pure call in abort.
+                                         CrashKind{"pure-virtual", 0x412, L"ABORT_CALL"},
+                                         // The run-time ends it in terminate and abort; the report names it.
+                                         CrashKind{"uncaught-exception", 0x412, L"ABORT_CALL", L"std::runtime_error"},
+                                         CrashKind{"run-exception-handler", 0x80000003, L"EXCEPTION_BREAKPOINT"},
+                                         // A crash passed on leaves handling usable once the host installs again.
+                                         CrashKind{"pass-on-then-fault", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
+                                         // A reset from inside the crash is refused at once, never waited for.
+                                         CrashKind{"reset-in-shutdown-callback", 0xC0000005,
+                                                   L"EXCEPTION_ACCESS_VIOLATION"},
+                                         CrashKind{"illegal-instruction", 0xC000001D, L"EXCEPTION_ILLEGAL_INSTRUCTION"},
+                                         CrashKind{"breakpoint", 0x80000003, L"EXCEPTION_BREAKPOINT"},
+                                         // Many faults at once give one report, of one of them.
+                                         CrashKind{"twenty-threads", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
+                                         CrashKind{"sleeping-threads", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
+                                         // The callback's own fault abandons the callback; the first crash is reported.
+                                         CrashKind{"faulting-callback", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
+                                         // exit() inside the callback: the crash goes on from the exit's clean-up.
+                                         CrashKind{"exiting-callback", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"},
+                                         // Ours must be back within the 1.5 s the host waits.
+                                         CrashKind{"replace-filter", 0xC0000005, L"EXCEPTION_ACCESS_VIOLATION"}));
 
 // Every thread has room for the crash path once its stack is gone. Not under
 // the thread sanitizer, whose own bookkeeping runs on the exhausted stack and
@@ -109,8 +109,7 @@ TEST(CrashHost, RunExceptionHandlerReportsTheGivenRegisters) {
     std::string const output = run.hostOutput();
     ASSERT_TRUE(std::regex_search(output, captured, std::regex("captured instruction pointer (0x[0-9a-f]{16})")))
         << output;
-    EXPECT_EQ(norvane_1::string_traits::addrToString(run.readReport().getException().address),
-              wide(captured[1].str()));
+    EXPECT_EQ(norvane_1::string_traits::addrToString(run.readReport().getException().address), wide(captured[1].str()));
 }
 
 }  // namespace

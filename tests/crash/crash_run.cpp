@@ -26,9 +26,7 @@ CrashRun::CrashRun() : m_scratch("crash"), m_logDirectory(m_scratch.path() / "lo
     set("KELMUR_FEEDBACK_NO_DUMP", std::string("1"));
 }
 
-void CrashRun::set(std::string const& name, std::optional<std::string> const& value) {
-    m_environment[name] = value;
-}
+void CrashRun::set(std::string const& name, std::optional<std::string> const& value) { m_environment[name] = value; }
 
 std::unique_ptr<norvane_test::ChildProcess> CrashRun::start(std::string const& kind) {
     norvane_test::ChildOptions options;

@@ -17,20 +17,13 @@ testing::AssertionResult handledByLibrary(norvane_test::ChildOutcome const& outc
 
 std::vector<std::string> fixedHandlerArguments(std::filesystem::path const& logDirectory,
                                                std::uint32_t stackProcessId) {
-    return {"-handle-crash",
-            "-report-system-info",
-            "-system-info-file",
-            (logDirectory / "system_info.txt").u8string(),
-            "-collect-module-info",
-            "-collect-product-info",
-            "-crash-info-file",
-            (logDirectory / "crash_info.txt").u8string(),
-            "-minidump-stack",
-            std::to_string(stackProcessId),
-            "-dump-memory",
-            "1",
-            "-load-module-map",
-            "0"};
+    return {"-handle-crash",        "-report-system-info",
+            "-system-info-file",    (logDirectory / "system_info.txt").u8string(),
+            "-collect-module-info", "-collect-product-info",
+            "-crash-info-file",     (logDirectory / "crash_info.txt").u8string(),
+            "-minidump-stack",      std::to_string(stackProcessId),
+            "-dump-memory",         "1",
+            "-load-module-map",     "0"};
 }
 
 norvane_1::StringMap sectionKeys(norvane_1::ProblemReportStorage& report, wchar_t const* section) {
@@ -47,8 +40,7 @@ void expectAllRegisters(norvane_1::ProblemReportStorage& report, std::uint32_t t
     for (wchar_t const* reg : {L"EAX", L"EBX", L"ECX", L"EDX", L"ESI", L"EDI", L"EBP", L"ESP", L"EIP", L"R8", L"R9",
                                L"R10", L"R11", L"R12", L"R13", L"R14", L"R15"}) {
         EXPECT_TRUE(std::regex_match(norvane_1::get(keys, reg), address))
-            << "register " << VANTIX_2_18::utf::to_utf8(reg) << " of section "
-            << VANTIX_2_18::utf::to_utf8(name);
+            << "register " << VANTIX_2_18::utf::to_utf8(reg) << " of section " << VANTIX_2_18::utf::to_utf8(name);
     }
     EXPECT_EQ(keys.size(), 17u);
 }

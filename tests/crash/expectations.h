@@ -18,8 +18,7 @@ namespace crash_test {
 testing::AssertionResult handledByLibrary(norvane_test::ChildOutcome const& outcome);
 
 // The fourteen arguments every handler call starts with.
-std::vector<std::string> fixedHandlerArguments(std::filesystem::path const& logDirectory,
-                                               std::uint32_t stackProcessId);
+std::vector<std::string> fixedHandlerArguments(std::filesystem::path const& logDirectory, std::uint32_t stackProcessId);
 
 // Each of the 17 registers in the crashed thread's context section, as an
 // address ("0x" and 16 hex digits).

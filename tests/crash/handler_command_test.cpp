@@ -43,16 +43,19 @@ TEST_P(RelayedPairs, FollowTheFixedPartInTheirOrder) {
 
 INSTANTIATE_TEST_SUITE_P(
     CrashHost, RelayedPairs,
-    testing::Values(
-        RelayCase{"setButEmpty", {{kPort, ""}, {kClientCertificate, ""}, {kClientKey, ""}, {kServerCertificate, ""}}, {}},
-        RelayCase{"clientPairAndEmptyPort",
-                  {{kPort, ""}, {kClientKey, "client.key"}, {kClientCertificate, "client.pem"}},
-                  {"-client-certificate", "client.pem", "-client-certificate-key", "client.key"}},
-        RelayCase{"allFour",
-                  {{kServerCertificate, "my certs/server.pem"}, {kClientKey, "client.key"}, {kClientCertificate, "client.pem"},
-                   {kPort, "4711"}},
-                  {"-tcp-port", "4711", "-client-certificate", "client.pem", "-client-certificate-key", "client.key",
-                   "-server-certificate", "my certs/server.pem"}}));
+    testing::Values(RelayCase{"setButEmpty",
+                              {{kPort, ""}, {kClientCertificate, ""}, {kClientKey, ""}, {kServerCertificate, ""}},
+                              {}},
+                    RelayCase{"clientPairAndEmptyPort",
+                              {{kPort, ""}, {kClientKey, "client.key"}, {kClientCertificate, "client.pem"}},
+                              {"-client-certificate", "client.pem", "-client-certificate-key", "client.key"}},
+                    RelayCase{"allFour",
+                              {{kServerCertificate, "my certs/server.pem"},
+                               {kClientKey, "client.key"},
+                               {kClientCertificate, "client.pem"},
+                               {kPort, "4711"}},
+                              {"-tcp-port", "4711", "-client-certificate", "client.pem", "-client-certificate-key",
+                               "client.key", "-server-certificate", "my certs/server.pem"}}));
 
 struct CollectCase {
     char const* name;

@@ -14,9 +14,7 @@ bool endedByPlatformAccessViolation(norvane_test::ChildOutcome const& outcome) {
     return outcome.finished && outcome.exitCode == 0xC0000005;
 }
 
-bool endedByMercyKill(norvane_test::ChildOutcome const& outcome) {
-    return outcome.finished && outcome.exitCode == 0;
-}
+bool endedByMercyKill(norvane_test::ChildOutcome const& outcome) { return outcome.finished && outcome.exitCode == 0; }
 
 std::size_t threadCountOf(std::uint32_t processId) {
     HANDLE const snapshot = ::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);

@@ -67,7 +67,9 @@ TEST(ReportExtras, AFinishedReportCarriesTheHostsDataInItsPlace) {
 
     std::string const text = run.logFile("crash_info.txt");
     std::vector<std::wstring> const order = sectionOrder(text);
-    auto const at = [&](std::wstring const& name) { return std::find(order.begin(), order.end(), name) - order.begin(); };
+    auto const at = [&](std::wstring const& name) {
+        return std::find(order.begin(), order.end(), name) - order.begin();
+    };
     std::wstring const journal = wide(std::string(u8"Журнал 日志"));
     ASSERT_LT(at(L"ClientInfo"), at(L"PremortalLog"));
     EXPECT_LT(at(L"PremortalLog"), at(L"Device Info"));
@@ -82,9 +84,10 @@ TEST(ReportExtras, AFinishedReportCarriesTheHostsDataInItsPlace) {
 
     std::vector<std::string> const log = run.creationLog();
     EXPECT_TRUE(crash_test::recordsInOrder(log, kCrashPathRecords));
-    EXPECT_EQ(std::count_if(log.begin(), log.end(),
-                            [](std::string const& line) { return std::regex_match(line, std::regex(kHandOverRecord)); }),
-              1);
+    EXPECT_EQ(
+        std::count_if(log.begin(), log.end(),
+                      [](std::string const& line) { return std::regex_match(line, std::regex(kHandOverRecord)); }),
+        1);
     std::regex const shape(R"(^\S+ : \d{4}(-\d\d){5}-\d{1,3} : .+$)");
     for (auto const& line : log) EXPECT_TRUE(std::regex_match(line, shape)) << line;
 }

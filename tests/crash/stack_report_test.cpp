@@ -71,7 +71,8 @@ TEST(InProcessStack, StartsAtTheFaultAndNamesEachFramesModule) {
         EXPECT_EQ(frames[i].kind, kUnwoundFrame) << "frame " << i;
         EXPECT_EQ(moduleOf(frames[i]), host) << "frame " << i;
     }
-    for (std::size_t i = 0; i < frames.size(); ++i) EXPECT_TRUE(listsModule(report, moduleOf(frames[i]))) << "frame " << i;
+    for (std::size_t i = 0; i < frames.size(); ++i)
+        EXPECT_TRUE(listsModule(report, moduleOf(frames[i]))) << "frame " << i;
 
     norvane_1::ModuleInfo program;
     ASSERT_TRUE(report.findModule(exception.address, program));
@@ -79,7 +80,8 @@ TEST(InProcessStack, StartsAtTheFaultAndNamesEachFramesModule) {
     EXPECT_NE(program.Guid.Data1, 0u);
     std::regex const collected("norvane_1::HandlerState::inProcessStackCollect : .* : Stack successfully collected");
     auto const log = run.creationLog();
-    EXPECT_TRUE(std::any_of(log.begin(), log.end(), [&](std::string const& line) { return std::regex_match(line, collected); }));
+    EXPECT_TRUE(std::any_of(log.begin(), log.end(),
+                            [&](std::string const& line) { return std::regex_match(line, collected); }));
 }
 
 struct CollectionCase {
@@ -145,14 +147,15 @@ TEST(OutsideStacks, WhenOutsideFailsTheCrashedProcessCollectsOverTheTaskService)
 
     // The handler asks; the service runs the fallback in the crashed process.
     std::string const server = "norvane_1::ExecuteMinidumpTaskThread::operator\\(\\) : .* : ";
-    std::string const fallback = "norvane_1::HandlerState::fallbackInProcess : .* : Fallback to in-proc stack collect...";
+    std::string const fallback =
+        "norvane_1::HandlerState::fallbackInProcess : .* : Fallback to in-proc stack collect...";
     auto const log = run.creationLog();
     EXPECT_TRUE(crash_test::recordsInOrder(
         log, {"kelmur_feedback::collectCrashStacks : .* : Stacks from outside failed .*, asking the crashed process",
               fallback}));
-    EXPECT_TRUE(crash_test::recordsInOrder(log, {server + "Got minidump task <fallbackInProc>", fallback,
-                                                 server + "Replied <PASS> to THE_PIPE_SC",
-                                                 "norvane_1::stopExecuteMinidumpTaskThread : .* : EMT Service stopped!"}));
+    EXPECT_TRUE(crash_test::recordsInOrder(
+        log, {server + "Got minidump task <fallbackInProc>", fallback, server + "Replied <PASS> to THE_PIPE_SC",
+              "norvane_1::stopExecuteMinidumpTaskThread : .* : EMT Service stopped!"}));
 }
 
 class DamagedStacks : public testing::TestWithParam<char const*> {};

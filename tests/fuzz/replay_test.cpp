@@ -28,8 +28,8 @@ void replay(fs::path const& directory) {
         SCOPED_TRACE(path.string());
         std::string const bytes = norvane_test::fileText(path);
         std::string failure;
-        EXPECT_NO_THROW(failure = norvane_fuzz::checkReportText(
-                            reinterpret_cast<std::uint8_t const*>(bytes.data()), bytes.size()));
+        EXPECT_NO_THROW(
+            failure = norvane_fuzz::checkReportText(reinterpret_cast<std::uint8_t const*>(bytes.data()), bytes.size()));
         EXPECT_EQ(failure, std::string());
     }
 }

@@ -93,7 +93,8 @@ ChildOutcome ChildProcess::wait(std::chrono::milliseconds timeout) {
     auto const deadline = std::chrono::steady_clock::now() + timeout;
     int ready = 0;
     do {
-        auto const left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+        auto const left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline -
+                                                                                std::chrono::steady_clock::now());
         ready = ::poll(&entry, 1, static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
     } while (ready < 0 && errno == EINTR);
     ::close(process);

@@ -57,7 +57,8 @@ bool receiveRequest(std::intptr_t connection, ReceivedRequest& request) {
 
 }  // namespace
 
-LoopbackHttpServer::LoopbackHttpServer(Answer answer) : m_answer(answer), m_listener(sockets::listenOnLoopback(m_port)) {
+LoopbackHttpServer::LoopbackHttpServer(Answer answer)
+    : m_answer(answer), m_listener(sockets::listenOnLoopback(m_port)) {
     if (m_listener == sockets::kNone) throw std::runtime_error("no loopback port to listen on");
     m_thread = std::thread([this] { serve(); });
 }
@@ -95,7 +96,8 @@ void LoopbackHttpServer::serveOne(std::intptr_t connection) {
         return;
     }
     char const* status = m_answer == Answer::ok ? "200 OK" : "500 Internal Server Error";
-    sockets::sendAll(connection, std::string("HTTP/1.1 ") + status + "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
+    sockets::sendAll(connection,
+                     std::string("HTTP/1.1 ") + status + "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
     sockets::close(connection);
 }
 

@@ -52,7 +52,8 @@ int receiveWithin(std::intptr_t connection, char* buffer, int size, int millisec
 void sendAll(std::intptr_t connection, std::string const& data) {
     std::size_t sent = 0;
     while (sent < data.size()) {
-        int const now = ::send(static_cast<SOCKET>(connection), data.data() + sent, static_cast<int>(data.size() - sent), 0);
+        int const now = ::send(static_cast<SOCKET>(connection), data.data() + sent,
+                               static_cast<int>(data.size() - sent), 0);
         if (now <= 0) return;
         sent += static_cast<std::size_t>(now);
     }

@@ -98,7 +98,8 @@ ProblemReportStorage makeLargeReport() {
         }
         auto& raw = report.getStackMap()[tid];
         for (int s = 0; s < shape.rawSlots; ++s) {
-            raw[context.ESP + static_cast<std::uint64_t>(s) * 8] = 0x7ff600001000ULL + static_cast<std::uint64_t>(s) * 0x77;
+            raw[context.ESP + static_cast<std::uint64_t>(s) * 8] = 0x7ff600001000ULL +
+                                                                   static_cast<std::uint64_t>(s) * 0x77;
         }
     }
     std::vector<std::wstring> lines;

@@ -26,8 +26,6 @@ ScratchDirectory::~ScratchDirectory() {
     std::filesystem::remove_all(m_path, ignored);
 }
 
-std::wstring ScratchDirectory::withSeparator() const {
-    return (m_path / "").make_preferred().wstring();
-}
+std::wstring ScratchDirectory::withSeparator() const { return (m_path / "").make_preferred().wstring(); }
 
 }  // namespace norvane_test

@@ -81,47 +81,47 @@ TEST_P(ReportJson, ComesBackToTheSameText) {
     EXPECT_EQ(norvane_test::toUtf8(kelmur_feedback::reportFromJson(json).toString()), norvane_test::toUtf8(original));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    KelmurFeedback, ReportJson,
-    testing::Values(
-        RoundTripCase{"rich",
-                      norvane_test::makeRichReport,
-                      {{"/problem/kind", "Exception"},
-                       {"/problem/values/CrashedPID", 4120},
-                       {"/problem/values/Module", "sample tool.dll"},
-                       {"/products/Package Contents", "Sample Tool"},
-                       {"/clientInfo/Zoom", "1.25"},
-                       {"/modules/1/FullName", u8"C:\\テスト\\модуль.dll"},
-                       {"/contexts/0/thread", 6632},
-                       {"/contexts/0/registers/R15", "0xffffffffffffffff"},
-                       {"/stacks/0/kind", "clean"},
-                       {"/stacks/0/frames/0/kind", "fault"},
-                       {"/stacks/1/slots/1/returnAddress", "0x00007ff6a1b20004"},
-                       {"/logs/premortal/1", u8"вторая строка"},
-                       {"/sections/Aardvark", "first custom section"},
-                       {"/sections/Device Info/GPU", u8"中文 😀"}}},
-        // A crash's report as the tool completed it.
-        RoundTripCase{"crashHost",
-                      [] { return readFrom("crash_host_report.txt"); },
-                      {{"/problem/values/CrashedTID", 31659},
-                       {"/stacks/0/frames/3/module", "libc.so.6"},
-                       {"/logs/creation/2", "norvane_1::startExecuteMinidumpTaskthread : "
-                                            "2026-11-23-17-43-31-994 : EMT Service started!"}}},
-        RoundTripCase{"large", [] { return norvane_test::makeLargeReport(); }, {}},
-        RoundTripCase{"assertion",
-                      makeAssertionReport,
-                      {{"/problem/values/Line", 212},
-                       {"/problem/values/File", "src/my buffer.cpp"},
-                       {"/uncaughtException/What", "too long\nby 3"},
-                       {"/sections/Zeta/b", "2"},
-                       {"/sections/Tool Log", "[INFO] started"},  // a head inside is a head
-                       {"/sections/Nested", "more"},
-                       {"/sections/Stack.0x00000010/0x10", "0x20"}}},
-        RoundTripCase{"processDump",
-                      makeProcessDumpReport,
-                      {{"/problem/values/Command line", "app.exe --safe  mode"},
-                       {"/modules/0/FullName", "a b.dll"},
-                       {"/sections/Module002/Base", "0x0000000000002000"}}}));
+INSTANTIATE_TEST_SUITE_P(KelmurFeedback, ReportJson,
+                         testing::Values(RoundTripCase{"rich",
+                                                       norvane_test::makeRichReport,
+                                                       {{"/problem/kind", "Exception"},
+                                                        {"/problem/values/CrashedPID", 4120},
+                                                        {"/problem/values/Module", "sample tool.dll"},
+                                                        {"/products/Package Contents", "Sample Tool"},
+                                                        {"/clientInfo/Zoom", "1.25"},
+                                                        {"/modules/1/FullName", u8"C:\\テスト\\модуль.dll"},
+                                                        {"/contexts/0/thread", 6632},
+                                                        {"/contexts/0/registers/R15", "0xffffffffffffffff"},
+                                                        {"/stacks/0/kind", "clean"},
+                                                        {"/stacks/0/frames/0/kind", "fault"},
+                                                        {"/stacks/1/slots/1/returnAddress", "0x00007ff6a1b20004"},
+                                                        {"/logs/premortal/1", u8"вторая строка"},
+                                                        {"/sections/Aardvark", "first custom section"},
+                                                        {"/sections/Device Info/GPU", u8"中文 😀"}}},
+                                         // A crash's report as the tool completed it.
+                                         RoundTripCase{"crashHost",
+                                                       [] { return readFrom("crash_host_report.txt"); },
+                                                       {{"/problem/values/CrashedTID", 31659},
+                                                        {"/stacks/0/frames/3/module", "libc.so.6"},
+                                                        {"/logs/creation/2",
+                                                         "norvane_1::startExecuteMinidumpTaskthread : "
+                                                         "2026-11-23-17-43-31-994 : EMT Service started!"}}},
+                                         RoundTripCase{"large", [] { return norvane_test::makeLargeReport(); }, {}},
+                                         RoundTripCase{
+                                             "assertion",
+                                             makeAssertionReport,
+                                             {{"/problem/values/Line", 212},
+                                              {"/problem/values/File", "src/my buffer.cpp"},
+                                              {"/uncaughtException/What", "too long\nby 3"},
+                                              {"/sections/Zeta/b", "2"},
+                                              {"/sections/Tool Log", "[INFO] started"},  // a head inside is a head
+                                              {"/sections/Nested", "more"},
+                                              {"/sections/Stack.0x00000010/0x10", "0x20"}}},
+                                         RoundTripCase{"processDump",
+                                                       makeProcessDumpReport,
+                                                       {{"/problem/values/Command line", "app.exe --safe  mode"},
+                                                        {"/modules/0/FullName", "a b.dll"},
+                                                        {"/sections/Module002/Base", "0x0000000000002000"}}}));
 
 struct RefusedCase {
     char const* name;

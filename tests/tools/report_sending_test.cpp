@@ -22,7 +22,7 @@ using norvane_test::LoopbackHttpServer;
 // One run of the tool sending `report`, with the outbox beside it and the
 // variables given; its output goes to output.txt there.
 norvane_test::ChildOutcome sendWithTool(fs::path const& report, std::string const& title,
-                                std::map<std::string, std::optional<std::string>> environment) {
+                                        std::map<std::string, std::optional<std::string>> environment) {
     norvane_test::ChildOptions options;
     options.program = norvane_test::programBesideThisOne("kelmur-feedback");
     options.arguments = {"-send-crash-report", report.u8string(), "-send-crash-report", title};
@@ -56,15 +56,17 @@ TEST_P(ReportSending, DeliversOrKeepsTheReport) {
     if (test.reportExists) std::ofstream(report, std::ios::binary) << text;
     if (test.keptInOutbox) {  // a copy an earlier attempt kept must give way
         fs::create_directories(scratch / "outbox");
-        std::ofstream(scratch / "outbox" / report.filename(), std::ios::binary) << "an older copy, longer than the report";
+        std::ofstream(scratch / "outbox" / report.filename(), std::ios::binary)
+            << "an older copy, longer than the report";
     }
 
     std::optional<LoopbackHttpServer> server;
     if (test.server) server.emplace(*test.server);
     auto const started = std::chrono::steady_clock::now();
-    auto const outcome = sendWithTool(report, "Caf\xc3\xa9 UI freeze report",
-                              {{"KELMUR_FEEDBACK_SEND_URL", server ? std::optional(server->url()) : std::nullopt},
-                               {"KELMUR_FEEDBACK_SEND_TIMEOUT_MS", std::string("1000")}});
+    auto const outcome = sendWithTool(
+        report, "Caf\xc3\xa9 UI freeze report",
+        {{"KELMUR_FEEDBACK_SEND_URL", server ? std::optional(server->url()) : std::nullopt},
+         {"KELMUR_FEEDBACK_SEND_TIMEOUT_MS", std::string("1000")}});
     ASSERT_TRUE(outcome.finished && outcome.exited);
     EXPECT_EQ(outcome.exitCode, static_cast<std::uint32_t>(test.exitCode));
     // Two attempts of at most a second each, and the start under Wine.
@@ -143,9 +145,9 @@ TEST_P(PacedSending, KeepsWhatMayNotGoAndSendsItWithTheNext) {
         std::ofstream(report, std::ios::binary) << reportText(step);
         auto setting = [](char const* value) { return value ? std::optional<std::string>(value) : std::nullopt; };
         auto const outcome = sendWithTool(report, "title",
-                                  {{"KELMUR_FEEDBACK_SEND_URL", server.url()},
-                                   {"KELMUR_FEEDBACK_SEND_INTERVAL_S", setting(step.intervalS)},
-                                   {"KELMUR_FEEDBACK_SEND_MAX_BYTES", setting(step.maxBytes)}});
+                                          {{"KELMUR_FEEDBACK_SEND_URL", server.url()},
+                                           {"KELMUR_FEEDBACK_SEND_INTERVAL_S", setting(step.intervalS)},
+                                           {"KELMUR_FEEDBACK_SEND_MAX_BYTES", setting(step.maxBytes)}});
         ASSERT_TRUE(outcome.finished && outcome.exited) << step.report;
         EXPECT_EQ(outcome.exitCode, static_cast<std::uint32_t>(step.exitCode)) << step.report;
         std::string const output = norvane_test::fileText(scratch / "output.txt");
@@ -167,22 +169,21 @@ TEST_P(PacedSending, KeepsWhatMayNotGoAndSendsItWithTheNext) {
 
 INSTANTIATE_TEST_SUITE_P(
     KelmurFeedback, PacedSending,
-    testing::Values(
-        PacingCase{"tooLarge", {{"a", "App", nullptr, "20", 1, {}, "more than the 20"}}, {"a"}},
-        PacingCase{"badValuesFallBack",
-                   {{"a", "App", "soon", "-1", 0, {"a"}, "KELMUR_FEEDBACK_SEND_INTERVAL_S is 'soon'"}},
-                   {}},
-        // An interval of 0 stands for the time having passed.
-        PacingCase{"heldBackThenSentOldestFirst",
-                   {{"a", "App", "3600", nullptr, 0, {"a"}, nullptr},
-                    {"b", "App", "3600", nullptr, 1, {}, "the next may go from"},
-                    {"c", "App", "3600", nullptr, 1, {}, nullptr},
-                    {"d", "App", "0", nullptr, 0, {"d", "b", "c"}, nullptr}},
-                   {}},
-        PacingCase{"productsApart",
-                   {{"a", "App", "3600", nullptr, 0, {"a"}, nullptr},
-                    {"b", "App", "3600", nullptr, 1, {}, nullptr},
-                    {"c", "Other App", "3600", nullptr, 0, {"c"}, nullptr}},
-                   {"b"}}));
+    testing::Values(PacingCase{"tooLarge", {{"a", "App", nullptr, "20", 1, {}, "more than the 20"}}, {"a"}},
+                    PacingCase{"badValuesFallBack",
+                               {{"a", "App", "soon", "-1", 0, {"a"}, "KELMUR_FEEDBACK_SEND_INTERVAL_S is 'soon'"}},
+                               {}},
+                    // An interval of 0 stands for the time having passed.
+                    PacingCase{"heldBackThenSentOldestFirst",
+                               {{"a", "App", "3600", nullptr, 0, {"a"}, nullptr},
+                                {"b", "App", "3600", nullptr, 1, {}, "the next may go from"},
+                                {"c", "App", "3600", nullptr, 1, {}, nullptr},
+                                {"d", "App", "0", nullptr, 0, {"d", "b", "c"}, nullptr}},
+                               {}},
+                    PacingCase{"productsApart",
+                               {{"a", "App", "3600", nullptr, 0, {"a"}, nullptr},
+                                {"b", "App", "3600", nullptr, 1, {}, nullptr},
+                                {"c", "Other App", "3600", nullptr, 0, {"c"}, nullptr}},
+                               {"b"}}));
 
 }  // namespace

@@ -28,9 +28,9 @@ void copyText(WCHAR (&target)[MAX_PATH + 1], PCWSTR text) {
 
 // Debug file names are stored as UTF-8; a longer one is cut at MAX_PATH.
 void copyDebugFile(WCHAR (&target)[MAX_PATH + 1], char const* name, std::size_t length) {
-    int const written = length == 0 ? 0
-                                    : ::MultiByteToWideChar(CP_UTF8, 0, name, static_cast<int>(length), target,
-                                                            MAX_PATH);
+    int const written = length == 0
+                            ? 0
+                            : ::MultiByteToWideChar(CP_UTF8, 0, name, static_cast<int>(length), target, MAX_PATH);
     target[written > 0 ? written : 0] = L'\0';
 }
 

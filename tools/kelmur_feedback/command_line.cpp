@@ -77,9 +77,7 @@ public:
         return true;
     }
 
-    bool nextStartsWith(char const* prefix) const {
-        return !atEnd() && m_arguments[m_next].rfind(prefix, 0) == 0;
-    }
+    bool nextStartsWith(char const* prefix) const { return !atEnd() && m_arguments[m_next].rfind(prefix, 0) == 0; }
 
     bool decimalValue(char const* option, std::string const& digits, std::uint32_t& value) {
         std::optional<std::uint32_t> const parsed = decimal(digits);
@@ -135,8 +133,7 @@ bool readCollectCommand(Cursor& cursor, CollectCommand& command) {
 }
 
 bool readSendCommand(Cursor& cursor, SendCommand& command) {
-    return cursor.text("-send-crash-report", command.crashInfoFile) &&
-           cursor.text("-send-crash-report", command.title);
+    return cursor.text("-send-crash-report", command.crashInfoFile) && cursor.text("-send-crash-report", command.title);
 }
 
 bool readMercyKillCommand(Cursor& cursor, MercyKillCommand& command) {

@@ -77,8 +77,8 @@ struct ShowReportCommand {
     std::string reportFile;
 };
 
-using Command = std::variant<CrashCommand, CollectCommand, SendCommand, MercyKillCommand, ExportJsonCommand,
-                             ShowReportCommand>;
+using Command =
+    std::variant<CrashCommand, CollectCommand, SendCommand, MercyKillCommand, ExportJsonCommand, ShowReportCommand>;
 
 struct ParseResult {
     std::optional<Command> command;

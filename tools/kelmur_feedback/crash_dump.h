@@ -17,7 +17,7 @@ struct DumpRequest {
     std::uint32_t processId = 0;
     std::uint32_t threadId = 0;  // the crashed thread, whose exception the dump carries
     norvane_1::Exception exception;
-    norvane_1::Context context;  // the crashed thread's, at the fault
+    norvane_1::Context context;    // the crashed thread's, at the fault
     std::uint32_t dumpMemory = 0;  // above 0: also the memory the stacks point at
 };
 

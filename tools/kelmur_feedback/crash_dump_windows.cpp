@@ -12,7 +12,9 @@
 namespace kelmur_feedback {
 namespace {
 
-std::string failure(char const* what) { return std::string(what) + " (error " + std::to_string(::GetLastError()) + ")"; }
+std::string failure(char const* what) {
+    return std::string(what) + " (error " + std::to_string(::GetLastError()) + ")";
+}
 
 // The crashed thread parks inside the library: the exception's record and
 // registers come from the report, as the fault left them, and are read from
@@ -48,7 +50,8 @@ std::string writeCrashDump(DumpRequest const& request) {
         ::CreateFileW(request.path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file.valid()) return failure("the dump file can't be created");
     FaultPointers fault(request);
-    bool const written = ::MiniDumpWriteDump(process.get(), request.processId, file.get(), dumpTypeOf(request.dumpMemory),
+    bool const written = ::MiniDumpWriteDump(process.get(), request.processId, file.get(),
+                                             dumpTypeOf(request.dumpMemory),
                                              request.threadId != 0 ? &fault.information : nullptr, nullptr, nullptr);
     if (written) return std::string();
     std::string const why = failure("the debug-help library could not write the dump");

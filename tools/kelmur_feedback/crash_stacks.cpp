@@ -27,7 +27,8 @@ constexpr std::uint32_t kExceptionFrame = 4;
 
 void markExceptionFrame(norvane_1::ProblemReportStorage& report, std::uint32_t threadId) {
     norvane_1::CleanStack& frames = report.getStackFramesMap()[threadId];
-    if (!frames.empty() && frames.front().address == report.getException().address) frames.front().kind = kExceptionFrame;
+    if (!frames.empty() && frames.front().address == report.getException().address)
+        frames.front().kind = kExceptionFrame;
 }
 
 // The crashed thread starts from the registers of its fault.
@@ -57,7 +58,8 @@ std::optional<std::wstring> collectCrashStacks(CrashCommand const& command, std:
         added.error = "not asked for (KELMUR_FEEDBACK_NO_OUTSIDE_STACKS)";
     }
     if (start.empty() || !added.gotThread(start.begin()->first)) {
-        record(command, L"Stacks from outside failed (" + wide(added.error.empty() ? "no stack of the crashed thread" : added.error) +
+        record(command, L"Stacks from outside failed (" +
+                            wide(added.error.empty() ? "no stack of the crashed thread" : added.error) +
                             L"), asking the crashed process");
         return collectMissingStack(command, report);
     }

@@ -23,7 +23,9 @@ private:
     HINTERNET m_handle;
 };
 
-std::string failure(char const* step) { return std::string(step) + " failed (error " + std::to_string(::GetLastError()) + ")"; }
+std::string failure(char const* step) {
+    return std::string(step) + " failed (error " + std::to_string(::GetLastError()) + ")";
+}
 
 }  // namespace
 
@@ -56,9 +58,8 @@ HttpResult httpPost(HttpRequest const& request) {
     std::string headers = "Content-Type: " + request.contentType + "\r\n";
     for (auto const& header : request.headers) headers += header.first + ": " + header.second + "\r\n";
     std::wstring const wideHeaders = VANTIX_2_18::utf::from_utf8(headers);
-    if (!::WinHttpSendRequest(exchange.get(), wideHeaders.c_str(), DWORD(-1L),
-                              const_cast<char*>(request.body.data()), static_cast<DWORD>(request.body.size()),
-                              static_cast<DWORD>(request.body.size()), 0) ||
+    if (!::WinHttpSendRequest(exchange.get(), wideHeaders.c_str(), DWORD(-1L), const_cast<char*>(request.body.data()),
+                              static_cast<DWORD>(request.body.size()), static_cast<DWORD>(request.body.size()), 0) ||
         !::WinHttpReceiveResponse(exchange.get(), nullptr)) {
         return {0, failure("sending the report")};
     }

@@ -14,7 +14,6 @@ std::int64_t microsecondsSinceEpoch();
 
 // Writes each argument on a line of its own (UTF-8), then
 // "started-us: <startedUs>". False if the file can't be written.
-bool writeInvocationRecord(std::string const& file, std::vector<std::string> const& arguments,
-                           std::int64_t startedUs);
+bool writeInvocationRecord(std::string const& file, std::vector<std::string> const& arguments, std::int64_t startedUs);
 
 }  // namespace kelmur_feedback

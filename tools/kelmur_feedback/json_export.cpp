@@ -19,9 +19,7 @@ int fail(std::string const& reason) {
 
 // Text the tool read with a character it couldn't decode is written with
 // U+FFFD there rather than refused.
-std::string jsonText(Json const& json) {
-    return json.dump(kIndent, ' ', false, Json::error_handler_t::replace) + "\n";
-}
+std::string jsonText(Json const& json) { return json.dump(kIndent, ' ', false, Json::error_handler_t::replace) + "\n"; }
 
 bool sameFile(std::string const& first, std::string const& second) {
     std::error_code error;

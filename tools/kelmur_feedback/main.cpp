@@ -38,9 +38,9 @@
 #include "on_demand_report.h"
 #include "process_text.h"
 #include "report_completion.h"
-#include "report_view.h"
 #include "report_sending.h"
 #include "report_summary.h"
+#include "report_view.h"
 #include "stack_fallback.h"
 
 #include <norvane_1/os_layer.h>

@@ -32,7 +32,8 @@ std::uint32_t processOfFileName(std::string const& path) {
 }  // namespace
 
 int completeOnDemandReport(CollectCommand const& command) {
-    std::uint32_t const processId = command.dumpStack != 0 ? command.dumpStack : processOfFileName(command.crashInfoFile);
+    std::uint32_t const processId = command.dumpStack != 0 ? command.dumpStack
+                                                           : processOfFileName(command.crashInfoFile);
     if (processId == 0) return fail("no process named: neither -dump-stack=<pid> nor a report-<pid>-... file name");
     if (!norvane_1::os_layer::isProcessAlive(processId)) return fail("no running process " + std::to_string(processId));
     auto const text = readReportText(command.crashInfoFile);

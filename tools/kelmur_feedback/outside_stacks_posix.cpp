@@ -31,7 +31,8 @@ constexpr auto kStopPatience = 2s;
 std::vector<std::uint32_t> threadsOf(std::uint32_t processId) {
     std::vector<std::uint32_t> threads;
     std::error_code error;
-    for (auto const& entry : std::filesystem::directory_iterator("/proc/" + std::to_string(processId) + "/task", error)) {
+    for (auto const& entry :
+         std::filesystem::directory_iterator("/proc/" + std::to_string(processId) + "/task", error)) {
         threads.push_back(static_cast<std::uint32_t>(std::stoul(entry.path().filename().string())));
     }
     return threads;

@@ -26,7 +26,8 @@ public:
     // passes through, not the debug information of every module.
     explicit SymbolSession(HANDLE process)
         : m_process(process),
-          m_ready((::SymSetOptions(::SymGetOptions() | SYMOPT_DEFERRED_LOADS), ::SymInitializeW(process, nullptr, TRUE))) {}
+          m_ready(
+              (::SymSetOptions(::SymGetOptions() | SYMOPT_DEFERRED_LOADS), ::SymInitializeW(process, nullptr, TRUE))) {}
     ~SymbolSession() {
         if (m_ready) ::SymCleanup(m_process);
     }
@@ -112,7 +113,8 @@ OutsideStacks collectThreadStacks(std::uint32_t processId, StartingPoints const&
         CONTEXT context{};
         context.ContextFlags = CONTEXT_FULL;
         if (!held.suspended() || !::GetThreadContext(thread.get(), &context)) {
-            result.error = "thread " + std::to_string(id) + ": no context (error " + std::to_string(::GetLastError()) + ")";
+            result.error = "thread " + std::to_string(id) + ": no context (error " + std::to_string(::GetLastError()) +
+                           ")";
             continue;
         }
         auto const given = startAt.find(id);

@@ -9,8 +9,8 @@ NamedSection const kKeySections[6] = {{L"Process", "process"}, {L"Products", "pr
                                       {L"System", "system"},   {L"ClientInfo", "clientInfo"},
                                       {L"Dump", "dump"},       {L"UncaughtException", "uncaughtException"}};
 NamedSection const kLogs[2] = {{L"PremortalLog", "premortal"}, {L"CreationLog", "creation"}};
-char const* const kMembers[12] = {"problem",  "process",  "products", "system", "clientInfo", "dump",
-                                  "uncaughtException", "modules", "contexts", "stacks", "logs", "sections"};
+char const* const kMembers[12] = {"problem",           "process", "products", "system", "clientInfo", "dump",
+                                  "uncaughtException", "modules", "contexts", "stacks", "logs",       "sections"};
 
 KeyForms const& problemForms() {
     static KeyForms const forms{{L"Description", L"Module", L"Expression", L"File", L"Command line", L"Executable"},

@@ -21,8 +21,7 @@ struct FrameKind {
 };
 
 // The kind column of a clean stack, in words a reader needs no table for.
-constexpr FrameKind kFrameKinds[] = {
-    {L"!", "fault"}, {L"+", "unwound"}, {L"?", "scanned"}, {L"-", "unknown"}};
+constexpr FrameKind kFrameKinds[] = {{L"!", "fault"}, {L"+", "unwound"}, {L"?", "scanned"}, {L"-", "unknown"}};
 
 bool listed(std::vector<std::wstring> const& keys, std::wstring const& key) {
     return std::find(keys.begin(), keys.end(), key) != keys.end();

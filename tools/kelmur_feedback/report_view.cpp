@@ -56,8 +56,8 @@ void printUncaughtException(std::ostream& out, norvane_1::ProblemReportStorage& 
 void printProblem(std::ostream& out, norvane_1::ProblemReportStorage& report) {
     if (report.isAssertion()) {
         norvane_1::Assertion const& assertion = report.getAssertion();
-        out << "Assertion failed: " << orUnknown(assertion.expression) << "\n  at " << orUnknown(assertion.file)
-            << ':' << assertion.line << '\n';
+        out << "Assertion failed: " << orUnknown(assertion.expression) << "\n  at " << orUnknown(assertion.file) << ':'
+            << assertion.line << '\n';
     } else if (report.isProcessDump()) {
         norvane_1::ProcessDump const& dump = report.getProcessDump();
         out << "Report on a live process: " << orUnknown(dump.description) << '\n';
@@ -67,8 +67,8 @@ void printProblem(std::ostream& out, norvane_1::ProblemReportStorage& report) {
             << "  at " << hex(exception.address, 16) << " in " << exceptionModule(report) << '\n';
     }
     std::wstring const name = norvane_1::get(sectionKeys(report, L"Process"), L"Process Name");
-    out << "Process " << orUnknown(name) << ", pid " << report.getCrashedPid() << ", thread "
-        << report.getCrashedTid() << '\n';
+    out << "Process " << orUnknown(name) << ", pid " << report.getCrashedPid() << ", thread " << report.getCrashedTid()
+        << '\n';
     printUncaughtException(out, report);
 }
 

@@ -4,8 +4,8 @@
 
 #include <norvane_1/os_layer.h>
 
-#include <iostream>
 #include <algorithm>
+#include <iostream>
 #include <optional>
 
 namespace kelmur_feedback {

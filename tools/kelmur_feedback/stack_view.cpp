@@ -52,8 +52,7 @@ FrameText describeFrame(norvane_1::StackFrame const& frame, norvane_1::ProblemRe
         return {frame.module.empty() ? "??" : to_utf8(frame.module), "(no module of the report)"};
     }
     std::string const name = frame.module.empty() ? fileNameOf(module.FullName) : to_utf8(frame.module);
-    SourcePlace const place =
-        symbolizer.lookUp({module.FullName, module.Base, identityBytes(module.Guid)}, lookup);
+    SourcePlace const place = symbolizer.lookUp({module.FullName, module.Base, identityBytes(module.Guid)}, lookup);
     std::string const offset = name + "+" + hex(frame.address - module.Base, 1);
     if (place.otherBuild) return {name, offset + " (" + debugIdentity(module) + "; the file here is another build)"};
     if (place.function.empty()) return {name, offset + " (" + debugIdentity(module) + ")"};

@@ -46,8 +46,8 @@ private:
         auto const known = m_modules.find(key);
         if (known != m_modules.end()) return known->second;
         bool const ok = m_ready && !modulePath.empty() &&
-                        ::SymLoadModuleExW(sessionHandle(this), nullptr, modulePath.c_str(), nullptr, base, 0,
-                                           nullptr, 0) != 0;
+                        ::SymLoadModuleExW(sessionHandle(this), nullptr, modulePath.c_str(), nullptr, base, 0, nullptr,
+                                           0) != 0;
         m_modules.emplace(key, ok);
         return ok;
     }

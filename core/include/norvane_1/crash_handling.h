@@ -78,14 +78,12 @@ enum add_custom_section_result_t {
 // `name`, in "norvane_custom_sections.txt" of `directory` (null: the log
 // directory; a directory given must end with its separator). The file is
 // read only when a report is completed, so it may not exist yet.
-NORVANE_API add_custom_section_result_t addCrashReportCustomSection(std::wstring const& name,
-                                                                    std::wstring const& file,
+NORVANE_API add_custom_section_result_t addCrashReportCustomSection(std::wstring const& name, std::wstring const& file,
                                                                     wchar_t const* directory);
 
 // One line in "norvane_creation_log.txt" of `directory` (null: the log
 // directory): the label, " : ", a time stamp, " : ", the text.
-NORVANE_API void addCreationLogRecord(char const* function, std::wstring const& text,
-                                      wchar_t const* directory);
+NORVANE_API void addCreationLogRecord(char const* function, std::wstring const& text, wchar_t const* directory);
 
 // The text of the report's "Process" section for a process (0: this one):
 // its name and, where they can be had, its virtual memory and working set.

@@ -42,9 +42,9 @@ class CrashStages;
 // The facts of one crash, from the worker thread to the ExceptionHandler.
 struct DumpInfo {
     Exception exception;
-    std::wstring crashInfoPath;   // "crash_info.txt" in the log directory
-    std::wstring systemInfoPath;  // "system_info.txt" in the log directory
-    std::wstring dumpPath;        // "crash.dmp" in the log directory, or empty
+    std::wstring crashInfoPath;        // "crash_info.txt" in the log directory
+    std::wstring systemInfoPath;       // "system_info.txt" in the log directory
+    std::wstring dumpPath;             // "crash.dmp" in the log directory, or empty
     std::uint32_t stackProcessId = 0;  // 0 when the report already holds the stack
     std::uint32_t crashedThreadId = 0;
     std::wstring logDirectory;
@@ -148,8 +148,7 @@ protected:
     bool processSavedCrash(SavedCrash const& crash, char const* runLabel);
 
     // What the platforms' on-demand operations share.
-    std::wstring makeOnDemandReport(bool dumpStack, unsigned long pid, wchar_t const* directory,
-                                    bool forCrashDialog);
+    std::wstring makeOnDemandReport(bool dumpStack, unsigned long pid, wchar_t const* directory, bool forCrashDialog);
     bool sendOnDemandReport(bool dumpStack, unsigned long pid, wchar_t const* directory);
     bool terminateThroughTool();
 
@@ -171,7 +170,8 @@ private:
     std::unique_ptr<boost::mutex> m_propertyMutex;
     AppProperties m_appProperties;
     bool m_initialized = false;
-    std::unique_ptr<boost::mutex> m_mutex;  // the worker's start, and the report while the worker or the task service makes it
+    std::unique_ptr<boost::mutex>
+        m_mutex;  // the worker's start, and the report while the worker or the task service makes it
     std::unique_ptr<boost::mutex> m_workerMutex;
     std::unique_ptr<boost::unique_lock<boost::mutex>> m_lock;
     std::unique_ptr<boost::condition_variable_any> m_condition;

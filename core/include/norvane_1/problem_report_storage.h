@@ -163,7 +163,7 @@ private:
     ProcessDump m_processDump;
     AppPropertyPool m_appPropertyPool;
     std::map<std::uint64_t, std::uint64_t> m_moduleAddressIndex;  // Begin -> position
-    std::map<std::wstring, std::uint64_t> m_moduleNameIndex;       // FullName -> position
+    std::map<std::wstring, std::uint64_t> m_moduleNameIndex;      // FullName -> position
     std::wstring m_failedProductName;
     StringMap m_sections;
     std::wstring m_premortalLog;

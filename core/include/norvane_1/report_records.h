@@ -28,7 +28,7 @@ struct Exception {
     std::uint64_t code = 0;
     std::wstring description;  // its name, such as "EXCEPTION_ACCESS_VIOLATION"
     address_t address = 0;
-    std::wstring module;       // file name of the module at `address`
+    std::wstring module;  // file name of the module at `address`
 };
 
 // A failed assertion.
@@ -73,10 +73,10 @@ struct StackFrame {
     address_t address = 0;       // code address of the frame
     address_t stackAddress = 0;  // its stack slot: the sort key of a clean stack
     std::wstring module;
-    std::wstring detail1;        // back-trace library data, never written to a report
+    std::wstring detail1;  // back-trace library data, never written to a report
     std::wstring detail2;
     std::uint32_t detailNumber = 0;
-    std::uint32_t kind = 0;      // 0, 1, 2, or 4 for the exception's own frame
+    std::uint32_t kind = 0;  // 0, 1, 2, or 4 for the exception's own frame
 };
 
 // The saved registers of one thread, named by their report keys: the 32-bit

@@ -60,9 +60,7 @@ template <>
 
 }  // namespace
 
-log4cplus::tstring toLogText(std::wstring const& text) {
-    return inLogCharacters<log4cplus::tchar>(text);
-}
+log4cplus::tstring toLogText(std::wstring const& text) { return inLogCharacters<log4cplus::tchar>(text); }
 
 }  // namespace log
 }  // namespace norvane_1

@@ -37,21 +37,18 @@ log4cplus::tstring toLogText(std::wstring const& text);
 }  // namespace log
 }  // namespace norvane_1
 
-#define NORVANE_LOG_AT(logger, level, expression)                                        \
-    do {                                                                                 \
-        log4cplus::Logger& norvaneLogger_ = (logger);                                    \
-        if (norvaneLogger_.isEnabledFor(level)) {                                        \
-            std::wostringstream norvaneLine_;                                            \
-            norvaneLine_ << expression;                                                  \
-            norvaneLogger_.forcedLog(level, ::norvane_1::log::toLogText(norvaneLine_.str()), \
-                                     __FILE__, __LINE__);                                \
-        }                                                                                \
+#define NORVANE_LOG_AT(logger, level, expression)                                                                 \
+    do {                                                                                                          \
+        log4cplus::Logger& norvaneLogger_ = (logger);                                                             \
+        if (norvaneLogger_.isEnabledFor(level)) {                                                                 \
+            std::wostringstream norvaneLine_;                                                                     \
+            norvaneLine_ << expression;                                                                           \
+            norvaneLogger_.forcedLog(level, ::norvane_1::log::toLogText(norvaneLine_.str()), __FILE__, __LINE__); \
+        }                                                                                                         \
     } while (false)
 
-#define NORVANE_LOG_INFO(logger, expression) \
-    NORVANE_LOG_AT(logger, log4cplus::INFO_LOG_LEVEL, expression)
+#define NORVANE_LOG_INFO(logger, expression) NORVANE_LOG_AT(logger, log4cplus::INFO_LOG_LEVEL, expression)
 
 // Failures carry their source position in the text itself.
-#define NORVANE_LOG_ERROR(logger, expression)                                  \
-    NORVANE_LOG_AT(logger, log4cplus::ERROR_LOG_LEVEL,                         \
-                   expression << L", at file: " << __FILE__ << L":" << __LINE__)
+#define NORVANE_LOG_ERROR(logger, expression) \
+    NORVANE_LOG_AT(logger, log4cplus::ERROR_LOG_LEVEL, expression << L", at file: " << __FILE__ << L":" << __LINE__)

@@ -32,12 +32,13 @@ constexpr RelayedOption kRelayedOptions[] = {
 };
 
 std::vector<std::wstring> handlerArguments(DumpInfo const& info) {
-    std::vector<std::wstring> arguments{
-        L"-handle-crash",        L"-report-system-info",   L"-system-info-file",
-        info.systemInfoPath,     L"-collect-module-info",  L"-collect-product-info",
-        L"-crash-info-file",     info.crashInfoPath,       L"-minidump-stack",
-        numberToString(info.stackProcessId), L"-dump-memory", numberToString(info.dumpMemory),
-        L"-load-module-map",     numberToString(info.moduleMapProcessId)};
+    std::vector<std::wstring> arguments{L"-handle-crash",        L"-report-system-info",
+                                        L"-system-info-file",    info.systemInfoPath,
+                                        L"-collect-module-info", L"-collect-product-info",
+                                        L"-crash-info-file",     info.crashInfoPath,
+                                        L"-minidump-stack",      numberToString(info.stackProcessId),
+                                        L"-dump-memory",         numberToString(info.dumpMemory),
+                                        L"-load-module-map",     numberToString(info.moduleMapProcessId)};
     for (auto const& relayed : kRelayedOptions) {
         std::wstring const value = gavrel2::get_environ_value(relayed.variable);
         if (value.empty()) continue;
@@ -91,8 +92,8 @@ bool ActualExceptionHandler::locateHandler(std::wstring& path) {
     gavrel2::path_t const given(path);
     if (given.is_absolute()) return gavrel2::path_t::exists(given.as_string());
     ostrel2::IProductLocations* service = ostrel2::IProductLocations::get();
-    wchar_t const* directory =
-        service ? service->getProductBinDirectory(ostrel2::IProductLocations::getArch()) : nullptr;
+    wchar_t const* directory = service ? service->getProductBinDirectory(ostrel2::IProductLocations::getArch())
+                                       : nullptr;
     if (directory == nullptr) return false;
     gavrel2::path_t full(directory);
     full.append(path);

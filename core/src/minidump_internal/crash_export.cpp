@@ -8,8 +8,8 @@
 #include "exception_names.h"
 #include "minidump_problem_report_storage/custom_section_list.h"
 #include "minidump_problem_report_storage/log_directory.h"
-#include "uncaught_exception.h"
 #include "os_layer/text_files.h"
+#include "uncaught_exception.h"
 
 #include <gavrel2/environment.h>
 #include <gavrel2/path.h>
@@ -65,7 +65,8 @@ void writeReport(std::wstring const& path, std::string const& utf8Text) {
 
 void listCreationLog(std::wstring const& directory) {
     if (directory.empty() || !gavrel2::get_environ_value(L"NORVANE1_NO_CREATION_LOG").empty()) return;
-    if (directory == g_creationLogListedIn && gavrel2::path_t::exists(directory + internal::kCustomSectionListName)) return;
+    if (directory == g_creationLogListedIn && gavrel2::path_t::exists(directory + internal::kCustomSectionListName))
+        return;
     addCrashReportCustomSection(L"CreationLog", directory + L"norvane_creation_log.txt", nullptr);
     g_creationLogListedIn = directory;
 }

@@ -5,8 +5,8 @@
 #include <norvane_1/handler_state.h>
 
 #include "crash_work.h"
-#include "minidump_problem_report_storage/log_directory.h"
 #include "logging/logging.h"
+#include "minidump_problem_report_storage/log_directory.h"
 #include "process_globals.h"
 
 #include <boost/thread/lock_guard.hpp>
@@ -37,11 +37,12 @@ bool HandlerState::processSavedCrash(SavedCrash const& crash, char const* runLab
         m_dumpInfo.crashedThreadId = crash.threadId;
         m_dumpInfo.dumpMemory = 1;
         m_dumpInfo.exception = crash.exception;
-        NORVANE_LOG_INFO(logger, L"Exception data: pid: " << crash.processId << L"; tid: " << crash.threadId
-                                     << L"; exception address: 0x" << std::hex << crash.exception.address
-                                     << L"; exception code: 0x" << crash.exception.code << std::dec
-                                     << L"; exception description: " << crash.exception.description
-                                     << L"; exception module: " << crash.exception.module);
+        NORVANE_LOG_INFO(logger, L"Exception data: pid: "
+                                     << crash.processId << L"; tid: " << crash.threadId << L"; exception address: 0x"
+                                     << std::hex << crash.exception.address << L"; exception code: 0x"
+                                     << crash.exception.code << std::dec << L"; exception description: "
+                                     << crash.exception.description << L"; exception module: "
+                                     << crash.exception.module);
 
         std::wstring const directory = logDirectory();
         m_dumpInfo.dumpPath = directory.empty() ? std::wstring() : directory + L"crash.dmp";

@@ -73,7 +73,6 @@
 
 #include <boost/thread.hpp>
 
-
 namespace norvane_1 {
 namespace {
 

@@ -24,7 +24,8 @@ void discardCreationLog(std::wstring const& directory) { os_layer::deleteFile(di
 // The report's own steps (contexts and stacks added, modules pruned, product
 // detected) are records of this log too. Handed in while the library loads,
 // before any thread can make a report.
-[[maybe_unused]] bool const g_reportProgressLogged = (internal::setProgressSink({&addCreationLogRecord, &discardCreationLog}), true);
+[[maybe_unused]] bool const g_reportProgressLogged =
+    (internal::setProgressSink({&addCreationLogRecord, &discardCreationLog}), true);
 
 }  // namespace
 
@@ -32,9 +33,9 @@ void addCreationLogRecord(char const* function, std::wstring const& text, wchar_
     if (function == nullptr || text.empty()) return;
     std::wstring const folder = directoryOrLogDirectory(directory);
     if (folder.empty()) return;
-    os_layer::appendLine(folder + kCreationLogName,
-                         std::string(function) + " : " + VANTIX_2_18::utf::to_utf8(os_layer::getTimeStamp()) + " : " +
-                             VANTIX_2_18::utf::to_utf8(text));
+    os_layer::appendLine(folder + kCreationLogName, std::string(function) + " : " +
+                                                        VANTIX_2_18::utf::to_utf8(os_layer::getTimeStamp()) + " : " +
+                                                        VANTIX_2_18::utf::to_utf8(text));
 }
 
 }  // namespace norvane_1

@@ -29,7 +29,6 @@
 #include <future>
 #include <memory>
 
-
 namespace norvane_1 {
 namespace {
 
@@ -107,7 +106,6 @@ void unloadAssertionLibrary() {
     g_assertLibrary.uninitialize();
 }
 
-
 // The budget of a crash up to its handler's start, from
 // NORVANE_CRASH_BUDGET_MS: a whole number of milliseconds, at least 1. Any
 // other value is said in the log and the default stands.
@@ -125,8 +123,8 @@ std::uint32_t crashBudgetFromEnvironment() {
     }
     if (value == 0 || value > 86400000) {
         NORVANE_LOG_AT(log::platformLogger(), log4cplus::WARN_LOG_LEVEL,
-                         L"NORVANE_CRASH_BUDGET_MS is not a number of milliseconds from 1 to 86400000: '"
-                             << text << L"'; the crash budget stays 30000 ms");
+                       L"NORVANE_CRASH_BUDGET_MS is not a number of milliseconds from 1 to 86400000: '"
+                           << text << L"'; the crash budget stays 30000 ms");
         return kDefault;
     }
     return static_cast<std::uint32_t>(value);
@@ -134,9 +132,7 @@ std::uint32_t crashBudgetFromEnvironment() {
 
 }  // namespace
 
-bool exceptionHandlingDisabled() {
-    return !gavrel2::get_environ_value(L"NORVANE_DISABLE_EXCEPTION_HANDLER").empty();
-}
+bool exceptionHandlingDisabled() { return !gavrel2::get_environ_value(L"NORVANE_DISABLE_EXCEPTION_HANDLER").empty(); }
 
 void installCrashHandling(ExceptionHandler* handler) {
     if (exceptionHandlingDisabled()) return;

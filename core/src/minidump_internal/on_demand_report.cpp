@@ -9,8 +9,8 @@
 #include <norvane_1/handler_state.h>
 #include <norvane_1/os_layer.h>
 
-#include "minidump_problem_report_storage/log_directory.h"
 #include "minidump_internal/platform.h"
+#include "minidump_problem_report_storage/log_directory.h"
 
 #include <gavrel2/environment.h>
 #include <gavrel2/file_content.h>
@@ -39,8 +39,8 @@ bool productPrefix(std::wstring& prefix) {
 // Linux, where programs have no extension).
 std::wstring feedbackToolPath(std::wstring const& prefix) {
     ostrel2::IProductLocations const* service = ostrel2::IProductLocations::get();
-    wchar_t const* directory =
-        service ? service->getProductBinDirectory(ostrel2::IProductLocations::getArch()) : nullptr;
+    wchar_t const* directory = service ? service->getProductBinDirectory(ostrel2::IProductLocations::getArch())
+                                       : nullptr;
     std::wstring path = directory ? os_layer::addTrailingSeparator(directory) : std::wstring();
     return path + prefix + L"-feedback" + platform::programExtension();
 }
@@ -117,8 +117,8 @@ std::wstring HandlerState::makeOnDemandReport(bool dumpStack, unsigned long pid,
     }
 
     // 15.-16. The tool completes the report: modules, product, stacks.
-    std::vector<std::wstring> arguments = {L"-report-system-info", L"-collect-module-info",
-                                           L"-collect-product-info", L"-crash-info-file", path};
+    std::vector<std::wstring> arguments = {L"-report-system-info", L"-collect-module-info", L"-collect-product-info",
+                                           L"-crash-info-file", path};
     if (dumpStack) arguments.push_back(L"-dump-stack=" + std::to_wstring(processId));
     arguments.push_back(L"-dump-memory=0");
     record(L"Pass control to feedback tool...");
@@ -132,8 +132,8 @@ bool HandlerState::sendOnDemandReport(bool dumpStack, unsigned long pid, wchar_t
     std::wstring prefix;
     if (!productPrefix(prefix)) return false;
     std::wstring const title = productDisplayName() + L" UI freeze report";
-    return os_layer::runProcess(feedbackToolPath(prefix), {L"-send-crash-report", path, L"-send-crash-report", title}) ==
-           0;
+    return os_layer::runProcess(feedbackToolPath(prefix),
+                                {L"-send-crash-report", path, L"-send-crash-report", title}) == 0;
 }
 
 bool HandlerState::terminateThroughTool() {

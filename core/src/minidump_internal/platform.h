@@ -44,8 +44,7 @@ void stopPreparingNewThreads();
 
 // Crashed thread, before the hand-over: copies what `data` points at into
 // the platform's state object, with the crashed process's and thread's ids.
-void saveExceptionData(HandlerState& state, ExceptionData const* data, std::uint32_t processId,
-                       std::uint32_t threadId);
+void saveExceptionData(HandlerState& state, ExceptionData const* data, std::uint32_t processId, std::uint32_t threadId);
 // No fault dialog of the system while the crash is handled, and back.
 void suppressFaultDialogs();
 void restoreFaultDialogs();

@@ -32,7 +32,8 @@ bool executeMinidumpTask(minidump_task_code_t code, void* data, std::uint64_t si
     // 1.-3.
     NORVANE_LOG_INFO(logger, L"executeMinidumpTask: opCode=" << static_cast<std::uint32_t>(code));
     if (data != nullptr && size > task::kDataCapacity) {
-        NORVANE_LOG_ERROR(logger, L"executeMinidumpTask: " << size << L" bytes of data, more than " << task::kDataCapacity);
+        NORVANE_LOG_ERROR(logger,
+                          L"executeMinidumpTask: " << size << L" bytes of data, more than " << task::kDataCapacity);
         return false;
     }
     if (!task_channel::waitForServer()) {
@@ -69,8 +70,9 @@ bool executeMinidumpTask(minidump_task_code_t code, void* data, std::uint64_t si
     }
 
     // 8.-12.
-    NORVANE_LOG_INFO(logger, L"executeMinidumpTask: waiting for the task <" << static_cast<std::uint32_t>(code) << L">, <"
-                                 << dataText(request).c_str() << L"> to finish");
+    NORVANE_LOG_INFO(logger, L"executeMinidumpTask: waiting for the task <" << static_cast<std::uint32_t>(code)
+                                                                            << L">, <" << dataText(request).c_str()
+                                                                            << L"> to finish");
     record(L"waiting for the task to complete...");
     char reply[sizeof(task::Request)] = {};
     // The answer may take long: the task is a whole stack collection.

@@ -208,7 +208,8 @@ task::Reply ExecuteMinidumpTaskThread::runFallback() {
     try {
         state->fallbackInProcess(state->getDumpInfo());
     } catch (std::exception const& error) {
-        record(kServerLabel, L"<fallbackInProc> failed: " + std::wstring(error.what(), error.what() + std::strlen(error.what())));
+        record(kServerLabel,
+               L"<fallbackInProc> failed: " + std::wstring(error.what(), error.what() + std::strlen(error.what())));
         return task::replyOf(task::kFail);
     }
     return task::replyOf(task::kPass);

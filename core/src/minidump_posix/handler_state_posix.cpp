@@ -24,8 +24,8 @@ bool PosixHandlerState::run() {
     SavedCrash crash;
     crash.processId = m_crashedProcessId;
     crash.threadId = m_crashedThreadId;
-    crash.exception.code =
-        exceptionCodeOfCrash(m_signalNumber, m_hasSignalInfo ? &m_signalInfo : nullptr, m_registers.ESP);
+    crash.exception.code = exceptionCodeOfCrash(m_signalNumber, m_hasSignalInfo ? &m_signalInfo : nullptr,
+                                                m_registers.ESP);
     crash.exception.description = exceptionDescription(static_cast<std::uint32_t>(crash.exception.code));
     crash.exception.address = m_registers.EIP;
     crash.registers = m_registers;

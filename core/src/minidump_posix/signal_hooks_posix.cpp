@@ -22,7 +22,7 @@ namespace {
 constexpr int kCrashSignals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT};
 
 void passOnToDefaultAction(int signalNumber) {
-    struct sigaction action{};
+    struct sigaction action {};
     action.sa_handler = SIG_DFL;
     sigemptyset(&action.sa_mask);
     ::sigaction(signalNumber, &action, nullptr);
@@ -45,7 +45,7 @@ using SignalAction = void (*)(int, siginfo_t*, void*);
 
 // A null action is the default action.
 void setAction(int signalNumber, SignalAction handler) {
-    struct sigaction action{};
+    struct sigaction action {};
     sigemptyset(&action.sa_mask);
     if (handler != nullptr) {
         action.sa_sigaction = handler;

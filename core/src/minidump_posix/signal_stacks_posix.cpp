@@ -152,11 +152,11 @@ struct sigaction g_requestActionBefore;
 bool g_requestHandlerSet = false;
 
 bool setRequestHandler() {
-    struct sigaction request{};
+    struct sigaction request {};
     request.sa_sigaction = onStackRequest;
     sigemptyset(&request.sa_mask);
     request.sa_flags = SA_RESTART | SA_SIGINFO;
-    struct sigaction previous{};
+    struct sigaction previous {};
     if (::sigaction(kStackRequestSignal, &request, &previous) != 0) return false;
     if (previous.sa_handler != SIG_DFL && previous.sa_handler != SIG_IGN && previous.sa_sigaction != onStackRequest) {
         ::sigaction(kStackRequestSignal, &previous, nullptr);

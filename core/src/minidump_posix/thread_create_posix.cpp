@@ -10,14 +10,13 @@
 #include "signal_stacks.h"
 
 extern "C" __attribute__((visibility("default"))) int norvane_pthread_create(pthread_t* thread,
-                                                                              pthread_attr_t const* attributes,
-                                                                              void* (*routine)(void*),
-                                                                              void* argument) {
+                                                                             pthread_attr_t const* attributes,
+                                                                             void* (*routine)(void*), void* argument) {
     return norvane_1::createThreadWithSignalStack(thread, attributes, routine, argument);
 }
 
-extern "C" __attribute__((visibility("default"), alias("norvane_pthread_create"))) int
-norvane_pthread_create_2_2_5(pthread_t*, pthread_attr_t const*, void* (*)(void*), void*);
+extern "C" __attribute__((visibility("default"), alias("norvane_pthread_create"))) int norvane_pthread_create_2_2_5(
+    pthread_t*, pthread_attr_t const*, void* (*)(void*), void*);
 
 __asm__(".symver norvane_pthread_create, pthread_create@@GLIBC_2.34");
 __asm__(".symver norvane_pthread_create_2_2_5, pthread_create@GLIBC_2.2.5");

@@ -21,12 +21,11 @@ struct RegisterKey {
 // In the ascending key order of key text, so the section can be written
 // line by line: "EBP" before "EBX", "R10".."R15" before "R8".
 constexpr RegisterKey kRegisters[] = {
-    {L"EAX", &Context::EAX}, {L"EBP", &Context::EBP}, {L"EBX", &Context::EBX},
-    {L"ECX", &Context::ECX}, {L"EDI", &Context::EDI}, {L"EDX", &Context::EDX},
-    {L"EIP", &Context::EIP}, {L"ESI", &Context::ESI}, {L"ESP", &Context::ESP},
-    {L"R10", &Context::R10}, {L"R11", &Context::R11}, {L"R12", &Context::R12},
-    {L"R13", &Context::R13}, {L"R14", &Context::R14}, {L"R15", &Context::R15},
-    {L"R8", &Context::R8},   {L"R9", &Context::R9},
+    {L"EAX", &Context::EAX}, {L"EBP", &Context::EBP}, {L"EBX", &Context::EBX}, {L"ECX", &Context::ECX},
+    {L"EDI", &Context::EDI}, {L"EDX", &Context::EDX}, {L"EIP", &Context::EIP}, {L"ESI", &Context::ESI},
+    {L"ESP", &Context::ESP}, {L"R10", &Context::R10}, {L"R11", &Context::R11}, {L"R12", &Context::R12},
+    {L"R13", &Context::R13}, {L"R14", &Context::R14}, {L"R15", &Context::R15}, {L"R8", &Context::R8},
+    {L"R9", &Context::R9},
 };
 
 constexpr std::wstring_view kPrefix = L"Context";
@@ -54,8 +53,7 @@ std::uint32_t threadIdOfSection(std::wstring const& name) {
 
 void writeContextSections(ContextMap const& contexts, StringMap& sections) {
     for (auto const& entry : contexts) {
-        sections[std::wstring(kPrefix) + L"." + threadIdToString(entry.first)] =
-            contextToKeyText(entry.second);
+        sections[std::wstring(kPrefix) + L"." + threadIdToString(entry.first)] = contextToKeyText(entry.second);
     }
 }
 

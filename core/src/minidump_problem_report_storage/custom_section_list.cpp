@@ -51,7 +51,8 @@ ListAddition addToCustomSectionList(std::wstring const& folder, std::wstring con
 
     // Name and path in one write: two programs, or two threads, adding at
     // once must not interleave their pairs.
-    bool const added = os_layer::appendLines(listPath, {VANTIX_2_18::utf::to_utf8(name), VANTIX_2_18::utf::to_utf8(path)});
+    bool const added = os_layer::appendLines(listPath,
+                                             {VANTIX_2_18::utf::to_utf8(name), VANTIX_2_18::utf::to_utf8(path)});
     return added ? ListAddition::added : ListAddition::fileError;
 }
 

@@ -31,14 +31,12 @@ std::wstring multiLineEndExpression(std::vector<std::wstring> const& keys) {
 }
 
 std::wstring withoutLineBreaks(std::wstring value) {
-    value.erase(std::remove_if(value.begin(), value.end(),
-                               [](wchar_t c) { return c == L'\r' || c == L'\n'; }),
+    value.erase(std::remove_if(value.begin(), value.end(), [](wchar_t c) { return c == L'\r' || c == L'\n'; }),
                 value.end());
     return value;
 }
 
-void readKeyLines(std::wstring const& text, StringMap& out, boost::wregex const& endExpression,
-                  bool joinLines) {
+void readKeyLines(std::wstring const& text, StringMap& out, boost::wregex const& endExpression, bool joinLines) {
     internal::TextIterator position = text.begin();
     internal::TextIterator const end = text.end();
     internal::TextMatch key;
@@ -76,15 +74,13 @@ std::wstring processMapToSection(StringMap const& map) {
     return text;
 }
 
-void processSectionToMap(std::wstring const& text, StringMap& out,
-                         std::vector<std::wstring> const& multiLineKeys) {
+void processSectionToMap(std::wstring const& text, StringMap& out, std::vector<std::wstring> const& multiLineKeys) {
     internal::KnownKeys(multiLineKeys).read(text, out);
 }
 
 namespace internal {
 
-KnownKeys::KnownKeys(std::vector<std::wstring> const& keys)
-    : m_joinLines(!keys.empty()), m_valid(true) {
+KnownKeys::KnownKeys(std::vector<std::wstring> const& keys) : m_joinLines(!keys.empty()), m_valid(true) {
     if (keys.empty()) return;
     try {
         internal::assignReaderExpression(m_valueEnd, multiLineEndExpression(keys));

@@ -22,8 +22,8 @@ using string_traits::stringToAddr;
 // "Timestamp" stands twice, and "Checksum" is a key no writer puts in: such a
 // line still ends the value above it.
 KnownKeys const& moduleKeys() {
-    static KnownKeys const keys({L"Base", L"Begin", L"End", L"FullName", L"SymbolName", L"Timestamp",
-                                 L"Size", L"Guid", L"Age", L"Timestamp", L"Checksum"});
+    static KnownKeys const keys({L"Base", L"Begin", L"End", L"FullName", L"SymbolName", L"Timestamp", L"Size", L"Guid",
+                                 L"Age", L"Timestamp", L"Checksum"});
     return keys;
 }
 
@@ -37,8 +37,8 @@ std::wstring moduleSectionName(std::size_t position) {
 
 std::wstring guidToString(Guid const& guid) {
     std::wostringstream text;
-    text << std::hex << std::setfill(L'0') << std::setw(8) << guid.Data1 << L'-' << std::setw(4)
-         << guid.Data2 << L'-' << std::setw(4) << guid.Data3 << L'-';
+    text << std::hex << std::setfill(L'0') << std::setw(8) << guid.Data1 << L'-' << std::setw(4) << guid.Data2 << L'-'
+         << std::setw(4) << guid.Data3 << L'-';
     for (int i = 0; i < 8; ++i) {
         text << std::setw(2) << static_cast<unsigned>(guid.Data4[i]);
         if (i == 1) text << L'-';

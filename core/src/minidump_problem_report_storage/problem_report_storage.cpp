@@ -37,9 +37,7 @@ Assertion const& ProblemReportStorage::getAssertion() const { return m_assertion
 ProcessDump const& ProblemReportStorage::getProcessDump() const { return m_processDump; }
 std::wstring const& ProblemReportStorage::getFailedProductName() const { return m_failedProductName; }
 
-std::wstring ProblemReportStorage::getSection(std::wstring const& name) {
-    return m_sections[name];
-}
+std::wstring ProblemReportStorage::getSection(std::wstring const& name) { return m_sections[name]; }
 
 void ProblemReportStorage::setSection(std::wstring const& name, std::wstring const& text) {
     if (name.empty()) return;

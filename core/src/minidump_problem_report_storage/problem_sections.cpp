@@ -99,8 +99,8 @@ void readExceptionSection(std::wstring const& text, Exception& exception, Proble
 void readAssertionSection(std::wstring const& text, Assertion& assertion, ProblemFacts& facts) {
     if (text.empty()) return;
     // The one problem section whose values may be wrapped over several lines.
-    static KnownKeys const assertionKeys({L"Expression", L"File", L"Line", L"CrashedPID", L"CrashedTID",
-                                          L"Product", L"ReportPath", L"ProcessBitness"});
+    static KnownKeys const assertionKeys(
+        {L"Expression", L"File", L"Line", L"CrashedPID", L"CrashedTID", L"Product", L"ReportPath", L"ProcessBitness"});
     StringMap keys;
     assertionKeys.read(text, keys);
     assertion.expression = decodeString(get(keys, L"Expression"));

@@ -46,8 +46,7 @@ std::wstring detectProductInfo(ModuleInfoList const& modules, wchar_t const* rep
     for (auto const& module : modules) {
         std::wstring const support = supportFileOf(module.FullName);
         if (!gavrel2::path_t::exists(support)) continue;
-        std::wstring const text =
-            gavrel2::get_file_content(gavrel2::get_file_cp(support, 0), support, 0);
+        std::wstring const text = gavrel2::get_file_content(gavrel2::get_file_cp(support, 0), support, 0);
         if (std::find(seen.begin(), seen.end(), text) != seen.end()) continue;
         result += text;
         seen.push_back(text);

@@ -15,11 +15,9 @@ constexpr wchar_t kDecodeFormat[] = L"(?1\n)(?2 )(?3&)";
 
 }  // namespace
 
-std::wstring replaceAllByRegex(std::wstring const& text, boost::wregex const& expression,
-                               std::wstring const& format) {
+std::wstring replaceAllByRegex(std::wstring const& text, boost::wregex const& expression, std::wstring const& format) {
     try {
-        return boost::regex_replace(text, expression, format,
-                                    boost::match_default | boost::format_all);
+        return boost::regex_replace(text, expression, format, boost::match_default | boost::format_all);
     } catch (boost::regex_error const&) {
         return std::wstring();
     }

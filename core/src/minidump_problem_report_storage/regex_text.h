@@ -17,8 +17,7 @@ using TextMatch = boost::match_results<TextIterator>;
 
 // regex_replace with conditional format strings. A regex_error (a bad
 // expression, or a match too complex to finish) gives an empty string.
-std::wstring replaceAllByRegex(std::wstring const& text, boost::wregex const& expression,
-                               std::wstring const& format);
+std::wstring replaceAllByRegex(std::wstring const& text, boost::wregex const& expression, std::wstring const& format);
 
 // An expression of the report reader. Its word characters are those of
 // Unicode on every platform, so that a section name outside ASCII is read

@@ -9,9 +9,8 @@ ModuleInfo::~ModuleInfo() = default;
 ModuleInfo& ModuleInfo::operator=(ModuleInfo const& other) = default;
 
 bool ModuleInfo::operator==(ModuleInfo const& other) const {
-    return FullName == other.FullName && SymbolName == other.SymbolName && Base == other.Base &&
-           Begin == other.Begin && End == other.End && Timestamp == other.Timestamp &&
-           Size == other.Size;
+    return FullName == other.FullName && SymbolName == other.SymbolName && Base == other.Base && Begin == other.Begin &&
+           End == other.End && Timestamp == other.Timestamp && Size == other.Size;
 }
 
 }  // namespace norvane_1

@@ -26,8 +26,7 @@ bool isLineEnd(wchar_t c) { return c == L'\r' || c == L'\n'; }
 // at those places alone keeps it from being attempted at every line end of a
 // long stack section.
 bool searchHead(TextIterator first, TextIterator last, TextMatch& head) {
-    for (auto bracket = std::find(first, last, L'['); bracket != last;
-         bracket = std::find(bracket + 1, last, L'[')) {
+    for (auto bracket = std::find(first, last, L'['); bracket != last; bracket = std::find(bracket + 1, last, L'[')) {
         if (bracket == first || !isLineEnd(*(bracket - 1))) continue;
         auto runStart = bracket - 1;
         while (runStart != first && isLineEnd(*(runStart - 1))) --runStart;

@@ -18,20 +18,17 @@ void announce(char const* label, wchar_t const* prefix, std::uint32_t threadId, 
 }  // namespace
 
 void ProblemReportStorage::addContext(Context const& context, std::uint32_t threadId) {
-    announce("norvane_1::ProblemReportStorage::addContext", L"Added context for thread: ", threadId,
-             getReportPath());
+    announce("norvane_1::ProblemReportStorage::addContext", L"Added context for thread: ", threadId, getReportPath());
     m_contextMap.insert({threadId, context});
 }
 
 void ProblemReportStorage::addStack(RawStack const& stack, std::uint32_t threadId) {
-    announce("norvane_1::ProblemReportStorage::addStack", L"Added raw stack for thread: ", threadId,
-             getReportPath());
+    announce("norvane_1::ProblemReportStorage::addStack", L"Added raw stack for thread: ", threadId, getReportPath());
     m_stackMap.insert({threadId, stack});
 }
 
 void ProblemReportStorage::addStack(CleanStack const& frames, std::uint32_t threadId) {
-    announce("norvane_1::ProblemReportStorage::addStack", L"Added clean stack for thread: ", threadId,
-             getReportPath());
+    announce("norvane_1::ProblemReportStorage::addStack", L"Added clean stack for thread: ", threadId, getReportPath());
     m_stackFramesMap.insert({threadId, frames});
 }
 

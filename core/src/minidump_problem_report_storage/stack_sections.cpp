@@ -53,9 +53,8 @@ std::wstring rawStackText(RawStack const& stack) {
 std::wstring cleanStackText(CleanStack frames) {
     // Stable, so that frames of one slot keep their order and a report read and
     // written again gives the same text.
-    std::stable_sort(frames.begin(), frames.end(), [](StackFrame const& a, StackFrame const& b) {
-        return a.stackAddress < b.stackAddress;
-    });
+    std::stable_sort(frames.begin(), frames.end(),
+                     [](StackFrame const& a, StackFrame const& b) { return a.stackAddress < b.stackAddress; });
     std::wstring text;
     text.reserve(frames.size() * 64);
     for (auto const& frame : frames) {
@@ -120,8 +119,7 @@ void writeStackSections(RawStackMap const& rawStacks, CleanStackMap const& clean
         sections[L"Stack.raw." + threadIdToString(entry.first)] = rawStackText(entry.second);
     }
     for (auto const& entry : cleanStacks) {
-        sections[L"Stack.clean." + threadIdToString(entry.first)] =
-            cleanStackText(entry.second);
+        sections[L"Stack.clean." + threadIdToString(entry.first)] = cleanStackText(entry.second);
     }
 }
 

@@ -24,9 +24,7 @@ std::uint64_t stringToAddr(std::wstring const& text) {
 
 std::wstring numberToString(std::int64_t number) { return std::to_wstring(number); }
 
-std::int64_t stringToNumber(std::wstring const& text) {
-    return boost::lexical_cast<std::int64_t>(text);
-}
+std::int64_t stringToNumber(std::wstring const& text) { return boost::lexical_cast<std::int64_t>(text); }
 
 std::wstring encodeString(std::wstring const& text) { return internal::encodeText(text); }
 

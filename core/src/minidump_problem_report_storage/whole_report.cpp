@@ -19,8 +19,8 @@ namespace {
 // The sections with a fixed place at the top, in their order. All others
 // follow in ascending order of their names, and "CreationLog" comes last.
 constexpr wchar_t const* kLeadingSections[] = {
-    L"Exception", L"Process", L"Assertion", L"ProcessDump", L"Products",
-    L"System",    L"ClientInfo", L"Dump", L"PremortalLog",
+    L"Exception", L"Process",    L"Assertion", L"ProcessDump",  L"Products",
+    L"System",    L"ClientInfo", L"Dump",      L"PremortalLog",
 };
 constexpr wchar_t kTrailingSection[] = L"CreationLog";
 

@@ -25,9 +25,9 @@ namespace {
 // them also while static objects are being destroyed. Only the thread's is
 // closed, when the budget is dropped.
 struct Watch {
-    HANDLE crashBegan = nullptr;       // manual reset: set by arm
-    HANDLE handlerStarted = nullptr;   // manual reset: set by end
-    HANDLE stop = nullptr;             // manual reset: set by drop
+    HANDLE crashBegan = nullptr;      // manual reset: set by arm
+    HANDLE handlerStarted = nullptr;  // manual reset: set by end
+    HANDLE stop = nullptr;            // manual reset: set by drop
     HANDLE thread = nullptr;
     DWORD milliseconds = 30000;
     char note[192] = {};
@@ -80,7 +80,8 @@ void prepareCrashBudget(std::uint32_t milliseconds) {
         g_watch.stop = manualResetEvent();
     }
     ::ResetEvent(g_watch.stop);
-    g_watch.thread = ::CreateThread(nullptr, 64 * 1024, watchCrashes, nullptr, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+    g_watch.thread = ::CreateThread(nullptr, 64 * 1024, watchCrashes, nullptr, STACK_SIZE_PARAM_IS_A_RESERVATION,
+                                    nullptr);
 }
 
 // At process exit the system has ended the watchdog already, and the loader

@@ -15,7 +15,8 @@ constexpr DWORD kQueryAndRead = PROCESS_QUERY_INFORMATION | PROCESS_VM_READ;
 // pseudo handle is never closed.
 class ProcessHandle {
 public:
-    explicit ProcessHandle(std::uint32_t pid) : m_opened(pid == 0 ? nullptr : ::OpenProcess(kQueryAndRead, FALSE, pid)) {
+    explicit ProcessHandle(std::uint32_t pid)
+        : m_opened(pid == 0 ? nullptr : ::OpenProcess(kQueryAndRead, FALSE, pid)) {
         m_handle = pid == 0 ? ::GetCurrentProcess() : m_opened.get();
     }
     HANDLE get() const { return m_handle; }

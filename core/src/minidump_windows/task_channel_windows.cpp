@@ -95,7 +95,7 @@ class PipeServer final : public Server {
 public:
     bool create() override {
         m_next = ScopedFileHandle(::CreateNamedPipeW(kPipeName, PIPE_ACCESS_DUPLEX, 0, PIPE_UNLIMITED_INSTANCES,
-                                                 kBufferSize, kBufferSize, 0, nullptr));
+                                                     kBufferSize, kBufferSize, 0, nullptr));
         return m_next.valid();
     }
 
@@ -126,7 +126,7 @@ bool waitForServer() { return ::WaitNamedPipeW(kPipeName, NMPWAIT_WAIT_FOREVER) 
 std::unique_ptr<Connection> openClient() {
     for (int attempt = 0; attempt < kBusyRetries; ++attempt) {
         ScopedFileHandle pipe(::CreateFileW(kPipeName, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+                                            FILE_ATTRIBUTE_NORMAL, nullptr));
         if (pipe.valid()) return std::make_unique<PipeConnection>(std::move(pipe), false);
         if (::GetLastError() != ERROR_PIPE_BUSY || !::WaitNamedPipeW(kPipeName, NMPWAIT_WAIT_FOREVER)) break;
     }

@@ -15,9 +15,7 @@ struct DbgHelpLibs {
 
 namespace {
 
-bool sameGuid(Guid const& a, Guid const& b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
+bool sameGuid(Guid const& a, Guid const& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 // The file at `path` if its identity is the one asked for.
 std::wstring confirmed(std::wstring const& path, DbgHelpFileInfo const& wanted, bool compareSize) {
@@ -40,9 +38,7 @@ bool DbgHelp::initialize(DbgHelpListener* listener) {
     return true;
 }
 
-bool DbgHelp::isInitialized() const {
-    return m_initialized;
-}
+bool DbgHelp::isInitialized() const { return m_initialized; }
 
 bool DbgHelp::uninitialize() {
     m_libs->bound = false;
@@ -55,9 +51,7 @@ bool DbgHelp::getFileIndexInfo(std::wstring const& path, DbgHelpFileInfo& info) 
     return true;
 }
 
-std::uint32_t DbgHelp::getFileCheckSum(std::wstring const&) {
-    return 0;
-}
+std::uint32_t DbgHelp::getFileCheckSum(std::wstring const&) { return 0; }
 
 std::wstring DbgHelp::findFile(int mode, std::wstring const& path, DbgHelpFileInfo const& info) {
     if (!m_libs->bound) return std::wstring();

@@ -29,10 +29,8 @@ using SymFindFileInPathWFunction = BOOL(WINAPI*)(HANDLE, PCWSTR, PCWSTR, PVOID, 
 using SymSetOptionsFunction = DWORD(WINAPI*)(DWORD);
 using RegisteredCallback = BOOL(CALLBACK*)(HANDLE, ULONG, ULONG64, ULONG64);
 using SymRegisterCallback64Function = BOOL(WINAPI*)(HANDLE, RegisteredCallback, ULONG64);
-using MiniDumpWriteDumpFunction = BOOL(WINAPI*)(HANDLE, DWORD, HANDLE, MINIDUMP_TYPE,
-                                                PMINIDUMP_EXCEPTION_INFORMATION,
-                                                PMINIDUMP_USER_STREAM_INFORMATION,
-                                                PMINIDUMP_CALLBACK_INFORMATION);
+using MiniDumpWriteDumpFunction = BOOL(WINAPI*)(HANDLE, DWORD, HANDLE, MINIDUMP_TYPE, PMINIDUMP_EXCEPTION_INFORMATION,
+                                                PMINIDUMP_USER_STREAM_INFORMATION, PMINIDUMP_CALLBACK_INFORMATION);
 
 // SYMOPT_DEBUG | SYMOPT_NO_PROMPTS | SYMOPT_FAIL_CRITICAL_ERRORS: the
 // library's diagnostics reach the listener, and no lookup may ever wait on a
@@ -57,9 +55,7 @@ BOOL CALLBACK debugTextCallback(HANDLE, ULONG action, ULONG64 data, ULONG64 cont
     return FALSE;
 }
 
-BOOL CALLBACK acceptNothing(PCWSTR, PVOID) {
-    return FALSE;
-}
+BOOL CALLBACK acceptNothing(PCWSTR, PVOID) { return FALSE; }
 
 MINIDUMP_TYPE dumpType(int level) {
     switch (level) {
@@ -127,9 +123,8 @@ struct DbgHelpLibs {
         bound.SymSetOptions = symbol<SymSetOptionsFunction>(lib, L"SymSetOptions");
         bound.SymRegisterCallback64 = symbol<SymRegisterCallback64Function>(lib, L"SymRegisterCallback64");
         bound.MiniDumpWriteDump = symbol<MiniDumpWriteDumpFunction>(lib, L"MiniDumpWriteDump");
-        if (!bound.SymInitializeW || !bound.SymCleanup || !bound.SymSrvGetFileIndexInfoW ||
-            !bound.SymFindFileInPathW || !bound.SymSetOptions || !bound.SymRegisterCallback64 ||
-            !bound.MiniDumpWriteDump) {
+        if (!bound.SymInitializeW || !bound.SymCleanup || !bound.SymSrvGetFileIndexInfoW || !bound.SymFindFileInPathW ||
+            !bound.SymSetOptions || !bound.SymRegisterCallback64 || !bound.MiniDumpWriteDump) {
             return false;
         }
         adoptDebugHelp(bound);
@@ -173,9 +168,7 @@ bool DbgHelp::initialize(DbgHelpListener* listener) {
     return true;
 }
 
-bool DbgHelp::isInitialized() const {
-    return m_initialized;
-}
+bool DbgHelp::isInitialized() const { return m_initialized; }
 
 bool DbgHelp::uninitialize() {
     if (m_libs->SymCleanup) m_libs->SymCleanup(m_libs->pseudoProcess());

@@ -64,8 +64,8 @@ std::string hex(std::vector<unsigned char> const& bytes) {
 std::wstring separateDebugFile(std::string const& debugRoot, std::vector<unsigned char> const& buildId) {
     if (buildId.size() < 2) return std::wstring();
     std::string const id = hex(buildId);
-    std::wstring const candidate =
-        VANTIX_2_18::utf::from_utf8(debugRoot + "/.build-id/" + id.substr(0, 2) + "/" + id.substr(2) + ".debug");
+    std::wstring const candidate = VANTIX_2_18::utf::from_utf8(debugRoot + "/.build-id/" + id.substr(0, 2) + "/" +
+                                                               id.substr(2) + ".debug");
     return gavrel2::path_t::exists(candidate) ? candidate : std::wstring();
 }
 

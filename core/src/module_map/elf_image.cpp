@@ -32,7 +32,9 @@ std::uint64_t little(unsigned char const* bytes, std::size_t length) {
 class Record {
 public:
     Record() = default;
-    Record(unsigned char const* bytes, std::size_t length) { std::memcpy(m_bytes, bytes, std::min(length, sizeof m_bytes)); }
+    Record(unsigned char const* bytes, std::size_t length) {
+        std::memcpy(m_bytes, bytes, std::min(length, sizeof m_bytes));
+    }
     bool load(ByteSource const& file, std::uint64_t offset, std::size_t length) {
         return length <= sizeof m_bytes && file.read(offset, m_bytes, length);
     }
@@ -159,21 +161,22 @@ Segment segmentOf(Record const& record) {
 void readSegments(ByteSource const& file, Header const& header, Identity& identity) {
     std::uint64_t low = UINT64_MAX;
     std::uint64_t high = 0;
-    forEachEntry(file, header.segments, fittingCount(file, header.segments), kSegmentEntrySize, [&](Record const& record) {
-        Segment const segment = segmentOf(record);
-        bool const fits = segment.address <= UINT64_MAX - kPageSize &&
-                          segment.memorySize <= UINT64_MAX - kPageSize - segment.address;
-        if (segment.type == kLoad && fits) {
-            low = std::min(low, segment.address);
-            high = std::max(high, segment.address + segment.memorySize);
-        }
-        std::vector<unsigned char> notes;
-        if (segment.type == kNoteSegment && identity.buildId.empty() &&
-            readBlock(file, segment.offset, segment.fileSize, notes)) {
-            findBuildId(notes, segment.alignment, identity.buildId);
-        }
-        return true;
-    });
+    forEachEntry(file, header.segments, fittingCount(file, header.segments), kSegmentEntrySize,
+                 [&](Record const& record) {
+                     Segment const segment = segmentOf(record);
+                     bool const fits = segment.address <= UINT64_MAX - kPageSize &&
+                                       segment.memorySize <= UINT64_MAX - kPageSize - segment.address;
+                     if (segment.type == kLoad && fits) {
+                         low = std::min(low, segment.address);
+                         high = std::max(high, segment.address + segment.memorySize);
+                     }
+                     std::vector<unsigned char> notes;
+                     if (segment.type == kNoteSegment && identity.buildId.empty() &&
+                         readBlock(file, segment.offset, segment.fileSize, notes)) {
+                         findBuildId(notes, segment.alignment, identity.buildId);
+                     }
+                     return true;
+                 });
     if (low < high) identity.imageSize = alignUp(high, kPageSize) - low / kPageSize * kPageSize;
 }
 
@@ -201,16 +204,15 @@ std::string sectionName(std::vector<unsigned char> const& names, std::uint32_t a
     return std::string(begin, std::find(begin, names.end(), 0));
 }
 
-bool isDebugInformation(std::string const& name) {
-    return name == ".debug_info" || name == ".zdebug_info";
-}
+bool isDebugInformation(std::string const& name) { return name == ".debug_info" || name == ".zdebug_info"; }
 
 void readSections(ByteSource const& file, Header const& header, Identity& identity) {
     std::uint64_t const count = fittingCount(file, header.sections);
     std::vector<unsigned char> names;
     Record namesEntry;
     if (header.namesIndex < count &&
-        namesEntry.load(file, header.sections.offset + header.namesIndex * header.sections.entrySize, kSectionEntrySize)) {
+        namesEntry.load(file, header.sections.offset + header.namesIndex * header.sections.entrySize,
+                        kSectionEntrySize)) {
         Section const namesSection = sectionOf(namesEntry);
         readBlock(file, namesSection.offset, namesSection.size, names);
     }

@@ -36,9 +36,9 @@ private:
 };
 
 struct Identity {
-    std::uint64_t imageSize = 0;              // loadable span, whole pages
-    std::vector<unsigned char> buildId;       // empty when the file has none
-    bool hasSymbols = false;                  // a symbol table or DWARF debug information
+    std::uint64_t imageSize = 0;         // loadable span, whole pages
+    std::vector<unsigned char> buildId;  // empty when the file has none
+    bool hasSymbols = false;             // a symbol table or DWARF debug information
 };
 
 constexpr std::uint64_t kPageSize = 4096;

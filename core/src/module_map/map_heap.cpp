@@ -27,9 +27,7 @@ wchar_t* duplicate(wchar_t const* text) {
     return static_cast<wchar_t*>(copy);
 }
 
-void setAllocatorForTesting(Allocator allocator) {
-    g_allocator.store(allocator, std::memory_order_relaxed);
-}
+void setAllocatorForTesting(Allocator allocator) { g_allocator.store(allocator, std::memory_order_relaxed); }
 
 }  // namespace map_heap
 }  // namespace norvane_1

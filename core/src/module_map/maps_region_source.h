@@ -22,8 +22,8 @@ struct MapsLine {
     bool executable = false;
     bool readable = false;  // the kernel's time pages ("[vvar]", "[vvar_vclock]") are listed
                             // readable, yet parts of them fault when read
-    std::string file;  // the mapped file's path, or empty when not a file ("[heap]", anonymous)
-    std::string identity;  // device and inode, which tell two files of one name apart
+    std::string file;       // the mapped file's path, or empty when not a file ("[heap]", anonymous)
+    std::string identity;   // device and inode, which tell two files of one name apart
 };
 
 // False for a line that is not a mapping. A deleted file keeps its path,

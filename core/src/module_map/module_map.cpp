@@ -141,9 +141,7 @@ void minidumpFreeModuleMap(MinidumpModuleMap* map) {
     std::free(map);
 }
 
-unsigned char reallocateStorage(MinidumpModuleMap* map) {
-    return grow(*map) ? 1 : 0;
-}
+unsigned char reallocateStorage(MinidumpModuleMap* map) { return grow(*map) ? 1 : 0; }
 
 unsigned char insertAddressRange(MinidumpModuleMap* map, MinidumpAddressRange* range) {
     if (range == nullptr) return 1;

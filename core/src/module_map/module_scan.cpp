@@ -50,8 +50,8 @@ private:
 
 }  // namespace
 
-void addModuleRanges(RegionSource& source, MinidumpModuleMap& map, std::uint64_t base,
-                     std::uint64_t limit, std::wstring const& name) {
+void addModuleRanges(RegionSource& source, MinidumpModuleMap& map, std::uint64_t base, std::uint64_t limit,
+                     std::wstring const& name) {
     bool inRun = false;
     std::uint64_t begin = 0;
     std::uint64_t end = 0;

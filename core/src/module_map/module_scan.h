@@ -24,7 +24,7 @@ std::unique_ptr<RegionSource> openRegionSourceOrNone(unsigned long processId);
 
 // Adds the executable stretches of one module: its regions from `base` up
 // to `limit`, each entry with its own copy of `name`.
-void addModuleRanges(RegionSource& source, MinidumpModuleMap& map, std::uint64_t base,
-                     std::uint64_t limit, std::wstring const& name);
+void addModuleRanges(RegionSource& source, MinidumpModuleMap& map, std::uint64_t base, std::uint64_t limit,
+                     std::wstring const& name);
 
 }  // namespace norvane_1

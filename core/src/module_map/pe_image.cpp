@@ -17,9 +17,7 @@ class Bytes {
 public:
     Bytes(unsigned char const* data, std::size_t size) : m_data(data), m_size(size) {}
 
-    bool has(std::uint64_t offset, std::uint64_t length) const {
-        return offset <= m_size && length <= m_size - offset;
-    }
+    bool has(std::uint64_t offset, std::uint64_t length) const { return offset <= m_size && length <= m_size - offset; }
     bool u16(std::uint64_t offset, std::uint16_t& value) const {
         if (!has(offset, 2)) return false;
         value = static_cast<std::uint16_t>(m_data[offset] | m_data[offset + 1] << 8);

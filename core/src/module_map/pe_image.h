@@ -14,11 +14,11 @@ namespace norvane_1 {
 namespace pe_image {
 
 struct Identity {
-    std::uint16_t machine = 0;        // FileHeader.Machine: 0x8664 x64, 0x14c x86, 0x200 IA-64
-    std::uint32_t timestamp = 0;      // FileHeader.TimeDateStamp
-    std::uint32_t sizeOfImage = 0;    // OptionalHeader.SizeOfImage
-    bool hasCodeView = false;         // an "RSDS" debug directory entry was found
-    unsigned char guid[16] = {};      // its signature, as stored
+    std::uint16_t machine = 0;      // FileHeader.Machine: 0x8664 x64, 0x14c x86, 0x200 IA-64
+    std::uint32_t timestamp = 0;    // FileHeader.TimeDateStamp
+    std::uint32_t sizeOfImage = 0;  // OptionalHeader.SizeOfImage
+    bool hasCodeView = false;       // an "RSDS" debug directory entry was found
+    unsigned char guid[16] = {};    // its signature, as stored
     std::uint32_t age = 0;
     char const* debugFile = nullptr;  // its file name, as stored (within the bytes; not terminated)
     std::size_t debugFileLength = 0;

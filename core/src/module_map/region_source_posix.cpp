@@ -10,8 +10,8 @@
 namespace norvane_1 {
 
 std::unique_ptr<RegionSource> openRegionSource(unsigned long processId) {
-    std::string const path =
-        processId == 0 ? std::string("/proc/self/maps") : "/proc/" + std::to_string(processId) + "/maps";
+    std::string const path = processId == 0 ? std::string("/proc/self/maps")
+                                            : "/proc/" + std::to_string(processId) + "/maps";
     std::ifstream file(path);
     if (!file.is_open()) return nullptr;
     // The scan asks for regions again and again; one snapshot of the list

@@ -31,7 +31,8 @@ __attribute__((no_sanitize("address", "thread"))) std::uint64_t wordAt(std::uint
 
 // Copies whole aligned words, which lie in the same pages as the bytes asked
 // for: the copy of a candidate's neighbourhood starts up to 7 bytes early.
-__attribute__((no_sanitize("address", "thread"))) void copyWords(std::uint64_t address, std::uint64_t* to, std::size_t words) {
+__attribute__((no_sanitize("address", "thread"))) void copyWords(std::uint64_t address, std::uint64_t* to,
+                                                                 std::size_t words) {
     for (std::size_t i = 0; i < words; ++i) to[i] = wordAt(address + i * kSlot);
 }
 
@@ -57,11 +58,11 @@ private:
 
 bool looksLikeReturnAddress(std::uint64_t word, std::uint64_t slot, StackExtent const& extent, RawStack& found,
                             RegionCache& regions, MinidumpModuleMap const& map) {
-    if (bt::inStackArea(word, slot, extent.end, found)) return false;                      // a.
+    if (bt::inStackArea(word, slot, extent.end, found)) return false;                           // a.
     if (word <= kNeighbourhood || word > ~std::uint64_t(0) - 2 * kNeighbourhood) return false;  // b.
-    if (!regions.readable(word - kNeighbourhood)) return false;                           // c.
-    if (!regions.readable(word + kNeighbourhood)) return false;                           // d.
-    std::uint64_t const first = (word - kNeighbourhood) & ~(kSlot - 1);                  // e.
+    if (!regions.readable(word - kNeighbourhood)) return false;                                 // c.
+    if (!regions.readable(word + kNeighbourhood)) return false;                                 // d.
+    std::uint64_t const first = (word - kNeighbourhood) & ~(kSlot - 1);                         // e.
     std::uint64_t code[2 * kNeighbourhood / kSlot + 1];
     copyWords(first, code, sizeof code / sizeof code[0]);
     auto const* bytes = reinterpret_cast<unsigned char const*>(code) + (word - first);

@@ -26,8 +26,7 @@ Function kernelFunction(char const* name) {
 // system without the functions is.
 class RedirectionOff {
 public:
-    RedirectionOff()
-        : m_revert(kernelFunction<RevertFunction>("Wow64RevertWow64FsRedirection")) {
+    RedirectionOff() : m_revert(kernelFunction<RevertFunction>("Wow64RevertWow64FsRedirection")) {
         auto disable = kernelFunction<DisableFunction>("Wow64DisableWow64FsRedirection");
         m_available = disable != nullptr && m_revert != nullptr;
         m_disabled = m_available && disable(&m_state);

@@ -3,9 +3,9 @@
 
 #include <windows.h>
 
-#include <sys/stat.h>
 #include <cerrno>
 #include <direct.h>
+#include <sys/stat.h>
 
 namespace norvane_1 {
 namespace os_layer {

@@ -12,8 +12,7 @@ namespace os_layer {
 // limit; the program receives each argument as one, blanks included.
 // `started`, when given, runs once the program runs. The exit code, or -1 if
 // the program could not be started.
-int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& arguments,
-                 void (*started)() = nullptr);
+int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& arguments, void (*started)() = nullptr);
 
 }  // namespace os_layer
 }  // namespace norvane_1

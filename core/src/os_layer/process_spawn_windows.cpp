@@ -7,8 +7,8 @@
 #include "os_layer/process_spawn.h"
 #include "scoped_handle_windows.h"
 
-#include <process.h>
 #include <windows.h>
+#include <process.h>
 
 namespace norvane_1 {
 namespace os_layer {
@@ -31,8 +31,8 @@ int spawnAndWait(std::wstring const& program, std::vector<std::wstring> const& a
     if (started != nullptr) started();
     ScopedHandle const handle(reinterpret_cast<HANDLE>(process));
     DWORD exitCode = 0;
-    bool const ended =
-        ::WaitForSingleObject(handle.get(), INFINITE) == WAIT_OBJECT_0 && ::GetExitCodeProcess(handle.get(), &exitCode);
+    bool const ended = ::WaitForSingleObject(handle.get(), INFINITE) == WAIT_OBJECT_0 &&
+                       ::GetExitCodeProcess(handle.get(), &exitCode);
     return ended ? static_cast<int>(exitCode) : -1;
 }
 

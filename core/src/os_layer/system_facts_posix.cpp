@@ -109,8 +109,7 @@ std::wstring getDocumentsDirectory() {
     return homeDirectory.empty() ? std::wstring() : addTrailingSeparator(homeDirectory) + L"Documents";
 }
 
-std::uint32_t startProcess(std::wstring const& path, std::vector<std::wstring> const& arguments,
-                           bool discardOutput) {
+std::uint32_t startProcess(std::wstring const& path, std::vector<std::wstring> const& arguments, bool discardOutput) {
     std::vector<std::string> texts{narrow(path)};
     for (auto const& argument : arguments) texts.push_back(narrow(argument));
     std::vector<char*> argv;

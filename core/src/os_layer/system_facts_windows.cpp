@@ -91,8 +91,7 @@ std::wstring getDocumentsDirectory() {
     return path;
 }
 
-std::uint32_t startProcess(std::wstring const& path, std::vector<std::wstring> const& arguments,
-                           bool discardOutput) {
+std::uint32_t startProcess(std::wstring const& path, std::vector<std::wstring> const& arguments, bool discardOutput) {
     // An argument is quoted only when it holds a blank.
     std::wstring commandLine = programName(path);
     for (auto const& argument : arguments) {

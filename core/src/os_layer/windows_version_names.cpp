@@ -17,23 +17,23 @@ std::wstring byProductType(std::uint8_t type, wchar_t const* workstation, wchar_
 
 std::wstring version6Name(std::uint32_t minor, std::uint8_t type) {
     switch (minor) {
-    case 0: return byProductType(type, L"Windows Vista", L"Windows Server 2008");
-    case 1: return byProductType(type, L"Windows 7", L"Windows Server 2008 R2");
-    case 2: return byProductType(type, L"Windows 8", L"Windows Server 2012");
-    case 3: return byProductType(type, L"Windows 8.1", L"Windows Server 2012 R2");
-    default: return kUnknown;
+        case 0: return byProductType(type, L"Windows Vista", L"Windows Server 2008");
+        case 1: return byProductType(type, L"Windows 7", L"Windows Server 2008 R2");
+        case 2: return byProductType(type, L"Windows 8", L"Windows Server 2012");
+        case 3: return byProductType(type, L"Windows 8.1", L"Windows Server 2012 R2");
+        default: return kUnknown;
     }
 }
 
 // Older systems are told apart by the minor version alone.
 std::wstring olderName(std::uint32_t minor) {
     switch (minor) {
-    case 0: return L"Windows 95, Windows NT 4.0, Windows 2000";
-    case 1: return L"Windows XP ";
-    case 2: return L"Windows Server 2003";
-    case 10: return L"Windows 98";
-    case 90: return L"Windows Me";
-    default: return kUnknown;
+        case 0: return L"Windows 95, Windows NT 4.0, Windows 2000";
+        case 1: return L"Windows XP ";
+        case 2: return L"Windows Server 2003";
+        case 10: return L"Windows 98";
+        case 90: return L"Windows Me";
+        default: return kUnknown;
     }
 }
 
@@ -49,8 +49,8 @@ std::wstring versionName(WindowsVersion const& version) {
 }  // namespace
 
 std::wstring windowsVersionText(WindowsVersion const& version) {
-    return versionName(version) + L" " + std::to_wstring(version.major) + L"." + std::to_wstring(version.minor) +
-           L"." + std::to_wstring(version.build) + L" " + version.servicePack;
+    return versionName(version) + L" " + std::to_wstring(version.major) + L"." + std::to_wstring(version.minor) + L"." +
+           std::to_wstring(version.build) + L" " + version.servicePack;
 }
 
 }  // namespace os_layer

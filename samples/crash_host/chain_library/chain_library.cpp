@@ -13,7 +13,7 @@
 namespace {
 int* volatile g_nowhere = nullptr;
 volatile int g_depth = 0;
-}
+}  // namespace
 
 CRASH_CHAIN_FUNCTION __attribute__((no_sanitize("address", "undefined"))) void crash_chain_fault() {
     *g_nowhere = 42;

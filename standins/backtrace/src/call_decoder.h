@@ -44,7 +44,7 @@ inline int indirectCallLength(unsigned char const* opcode) {
     if (mod == 3) return 2;
     int length = 2;
     if (rm == 4) {
-        ++length;                                          // SIB
+        ++length;                                           // SIB
         if (mod == 0 && (opcode[2] & 7) == 5) length += 4;  // no base: disp32
     }
     if (mod == 0 && rm == 5) length += 4;  // rip-relative

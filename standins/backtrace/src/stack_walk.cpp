@@ -64,12 +64,9 @@ private:
             std::uint64_t instruction = 0;
             std::uint64_t caller = 0;
             switch (m_unwinder.step(instruction, caller)) {
-                case FrameUnwinder::Step::end:
-                    return std::nullopt;
-                case FrameUnwinder::Step::stopped:
-                    return stackPointer;
-                case FrameUnwinder::Step::caller:
-                    break;
+                case FrameUnwinder::Step::end: return std::nullopt;
+                case FrameUnwinder::Step::stopped: return stackPointer;
+                case FrameUnwinder::Step::caller: break;
             }
             if (caller <= stackPointer || !isReturnAddress(instruction) || full()) return stackPointer;
             add(instruction, caller - 8, kFrameUnwound);  // the slot the return address came from

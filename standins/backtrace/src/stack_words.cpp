@@ -12,9 +12,8 @@ namespace {
 bool inModuleCode(norvane_1::MinidumpModuleMap const& map, std::uint64_t address) {
     norvane_1::MinidumpAddressRange const* first = map.ranges;
     norvane_1::MinidumpAddressRange const* last = map.ranges + map.count;
-    auto const above = std::upper_bound(first, last, address, [](std::uint64_t a, norvane_1::MinidumpAddressRange const& r) {
-        return a < r.begin;
-    });
+    auto const above = std::upper_bound(
+        first, last, address, [](std::uint64_t a, norvane_1::MinidumpAddressRange const& r) { return a < r.begin; });
     return above != first && address < (above - 1)->end;
 }
 

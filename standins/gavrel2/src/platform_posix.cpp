@@ -25,9 +25,7 @@ std::FILE* openFile(std::wstring const& path, char const* mode) {
     return std::fopen(VANTIX_2_18::utf::to_utf8(path).c_str(), mode);
 }
 
-bool makeDirectory(std::wstring const& path) {
-    return ::mkdir(VANTIX_2_18::utf::to_utf8(path).c_str(), 0777) == 0;
-}
+bool makeDirectory(std::wstring const& path) { return ::mkdir(VANTIX_2_18::utf::to_utf8(path).c_str(), 0777) == 0; }
 
 }  // namespace detail
 

@@ -40,8 +40,8 @@ ProductVersion parseVersion(std::wstring const& text) {
 class EnvironmentProductLocations final : public IProductLocations {
 public:
     EnvironmentProductLocations()
-        : m_binDirectory(valueOr(L"KELMUR_PRODUCT_BIN_DIR",
-                                 gavrel2::stdpaths::get_program_path().get_branch().as_string())),
+        : m_binDirectory(
+              valueOr(L"KELMUR_PRODUCT_BIN_DIR", gavrel2::stdpaths::get_program_path().get_branch().as_string())),
           m_prefix(valueOr(L"KELMUR_PRODUCT_PREFIX", L"kelmur")),
           m_displayName(valueOr(L"KELMUR_PRODUCT_DISPLAY_NAME", programStem())),
           m_version(parseVersion(valueOr(L"KELMUR_PRODUCT_VERSION", L"0.0.0.0"))) {}

@@ -14,8 +14,7 @@ int digitValue(wchar_t c) {
 
 }  // namespace
 
-std::uint64_t str_to_uint64(wchar_t const* text, std::uint64_t length,
-                            radix_t::base radix, bool /*strict*/) {
+std::uint64_t str_to_uint64(wchar_t const* text, std::uint64_t length, radix_t::base radix, bool /*strict*/) {
     if (text == nullptr) return 0;
     std::uint64_t i = 0;
     unsigned base = static_cast<unsigned>(radix);

@@ -3,8 +3,7 @@
 namespace VANTIX_2_18 {
 namespace strings {
 
-std::vector<std::wstring> split_string(std::wstring const& text,
-                                       std::wstring const& delimiter, int /*flags*/) {
+std::vector<std::wstring> split_string(std::wstring const& text, std::wstring const& delimiter, int /*flags*/) {
     std::vector<std::wstring> parts;
     if (delimiter.empty()) {
         parts.push_back(text);

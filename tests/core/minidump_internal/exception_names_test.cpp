@@ -7,7 +7,10 @@
 namespace {
 
 TEST(ExceptionNames, TableEdgesAndOwnCodes) {
-    struct { std::uint32_t code; wchar_t const* name; } const cases[] = {
+    struct {
+        std::uint32_t code;
+        wchar_t const* name;
+    } const cases[] = {
         {0xC000008B, L"EXCEPTION_UNKNOWN"},  // just before the consecutive run
         {0xC000008C, L"EXCEPTION_ARRAY_BOUNDS_EXCEEDED"},
         {0xC0000096, L"EXCEPTION_PRIV_INSTRUCTION"},

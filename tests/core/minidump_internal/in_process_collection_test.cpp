@@ -5,8 +5,8 @@
 
 #include "plain_handler_state.h"
 
-#include "minidump_internal/platform.h"
 #include "file_text.h"
+#include "minidump_internal/platform.h"
 #include "test_environment.h"
 
 #include <gavrel2/file_content.h>

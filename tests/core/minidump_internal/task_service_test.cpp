@@ -4,9 +4,9 @@
 #include <norvane_1/handler_state.h>
 #include <norvane_1/minidump_task.h>
 
+#include "file_text.h"
 #include "minidump_internal/task_channel.h"
 #include "minidump_internal/task_messages.h"
-#include "file_text.h"
 #include "test_environment.h"
 
 #include <gtest/gtest.h>
@@ -83,8 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(ClientFault{"connectAndClose", {}, ""},  // nothing sent: dropped after the service's patience
                     ClientFault{"lessThanACode", request(1, 2), "FAIL"},
                     ClientFault{"truncated", request(0, 100), "FAIL"},
-                    ClientFault{"oversize", request(0, 10000), "FAIL"},
-                    ClientFault{"codeThree", request(3), "FAIL"},
+                    ClientFault{"oversize", request(0, 10000), "FAIL"}, ClientFault{"codeThree", request(3), "FAIL"},
                     ClientFault{"codeAllOnes", request(0xFFFFFFFF), "FAIL"}));
 
 TEST_F(TaskService, AClientGoneBeforeItsAnswerCostsNothing) {
@@ -107,7 +106,8 @@ TEST_F(TaskService, AThousandClientsInARowAreEachAnswered) {
 TEST_F(TaskService, TwoClientsAtOnceBothGetTheirAnswer) {
     bool first = false;
     bool second = false;
-    std::thread other([&second] { second = norvane_1::executeMinidumpTask(norvane_1::fallbackInProc, nullptr, 0, nullptr); });
+    std::thread other(
+        [&second] { second = norvane_1::executeMinidumpTask(norvane_1::fallbackInProc, nullptr, 0, nullptr); });
     first = norvane_1::executeMinidumpTask(norvane_1::fallbackInProc, nullptr, 0, nullptr);
     other.join();
     EXPECT_TRUE(first);

@@ -12,10 +12,17 @@ namespace {
 // where a push, a probe or a store into a new frame lands.
 TEST(SignalCodes, StackOverflowIsAFaultAtTheStackEdge) {
     std::uint64_t const stackPointer = 0x7ffd00100000;
-    struct { int signal; std::uint64_t address; std::uint32_t expected; } const cases[] = {
-        {SIGSEGV, stackPointer - 8, 0xC00000FD},          {SIGSEGV, stackPointer, 0xC00000FD},
-        {SIGSEGV, stackPointer - 64 * 1024, 0xC00000FD},  {SIGSEGV, stackPointer - 64 * 1024 - 1, 0xC0000005},
-        {SIGSEGV, stackPointer + 1000, 0xC00000FD},       {SIGSEGV, stackPointer + 64 * 1024 + 1, 0xC0000005},
+    struct {
+        int signal;
+        std::uint64_t address;
+        std::uint32_t expected;
+    } const cases[] = {
+        {SIGSEGV, stackPointer - 8, 0xC00000FD},
+        {SIGSEGV, stackPointer, 0xC00000FD},
+        {SIGSEGV, stackPointer - 64 * 1024, 0xC00000FD},
+        {SIGSEGV, stackPointer - 64 * 1024 - 1, 0xC0000005},
+        {SIGSEGV, stackPointer + 1000, 0xC00000FD},
+        {SIGSEGV, stackPointer + 64 * 1024 + 1, 0xC0000005},
         {SIGSEGV, 0, 0xC0000005},
         {SIGBUS, stackPointer - 8, 0xC0000006},
     };

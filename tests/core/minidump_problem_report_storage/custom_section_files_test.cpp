@@ -33,7 +33,11 @@ TEST(CustomSectionFiles, HandWrittenListsArePairedAsTheyFall) {
 }
 
 TEST(VirtualMemoryFootprint, RoundedToUnitsOfTenThousandKilobytes) {
-    struct { wchar_t const* value; bool known; std::uint64_t units; } const cases[] = {
+    struct {
+        wchar_t const* value;
+        bool known;
+        std::uint64_t units;
+    } const cases[] = {
         {L"5000K", true, 1}, {L"4999K", true, 0}, {L"1234567K", true, 123}, {L"25000", true, 3}, {L"", false, 0},
     };
     for (auto const& c : cases) {

@@ -108,7 +108,10 @@ TEST_F(ModuleUpkeep, PruningKeepsTheRangeOfAModuleThatAStackPassesThrough) {
 // The module that holds the exception's address: from its Base up to its
 // End, End included. An address of 0 leaves the module as it was.
 TEST_F(ModuleUpkeep, ExceptionModuleIsNamedByItsAddress) {
-    struct { std::uint64_t address; wchar_t const* module; } const cases[] = {
+    struct {
+        std::uint64_t address;
+        wchar_t const* module;
+    } const cases[] = {
         {0x5100, L"c.dll"}, {0x2000, L"a.dll"}, {0x3100, L"b.dll"}, {0x9000, L""}, {0, L"old"},
     };
     for (auto const& c : cases) {

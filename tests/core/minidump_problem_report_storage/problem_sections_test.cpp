@@ -14,8 +14,14 @@ using namespace norvane_1;
 using internal::ProblemFacts;
 
 TEST(ProblemSections, BitnessIsThirtyTwoOnlyForExactlyThirtyTwo) {
-    struct { std::wstring value; int expected; } const cases[] = {
-        {L"32", 1}, {L"64", 0}, {L"16", 0}, {L"", -1},
+    struct {
+        std::wstring value;
+        int expected;
+    } const cases[] = {
+        {L"32", 1},
+        {L"64", 0},
+        {L"16", 0},
+        {L"", -1},
     };
     for (auto const& c : cases) {
         ProcessDump d;

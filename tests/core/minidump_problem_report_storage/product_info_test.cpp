@@ -37,8 +37,9 @@ TEST(ProductInfo, SupportFilesOfTheModulesInstallationsInModuleOrder) {
     report.getModuleInfo().push_back(moduleAt(root.path() / "three" / "bin" / "c.dll"));
 
     std::wstring const text = report.detectProductInfo();
-    EXPECT_EQ(text, L"Package ID: 1\r\nPackage Contents: First\r\nBuild Number: 11\r\n"
-                    L"Package ID: 2\nPackage Contents: Second\nBuild Number: 22\n");
+    EXPECT_EQ(text,
+              L"Package ID: 1\r\nPackage Contents: First\r\nBuild Number: 11\r\n"
+              L"Package ID: 2\nPackage Contents: Second\nBuild Number: 22\n");
     EXPECT_TRUE(report.updateProductInfo());
     EXPECT_EQ(report.getProductInfo().find(L'\r'), std::wstring::npos);
     EXPECT_EQ(report.getFailedProductName(), L"Second; 22");  // the later value of a key wins

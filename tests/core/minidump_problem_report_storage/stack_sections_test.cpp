@@ -8,8 +8,8 @@
 
 namespace {
 
-using norvane_1::StackFrame;
 using norvane_1::ProblemReportStorage;
+using norvane_1::StackFrame;
 
 StackFrame frame(std::uint32_t kind, std::uint64_t slot, std::uint64_t address, std::wstring module = L"") {
     StackFrame f;

@@ -212,15 +212,19 @@ std::vector<std::wstring> everyTextFieldRead(std::wstring const& text) {
     internal::readAssertionSection(keyText({L"Expression", L"File"}), a, facts);
     internal::readProcessDumpSection(keyText({L"Executable", L"Command line", L"Description"}), d, facts);
     ModuleInfo const m = readModule(keyText({L"FullName", L"SymbolName"}));
-    return {e.description, e.module, a.expression, a.file, d.executable, d.commandLine, d.description, m.FullName,
-            m.SymbolName};
+    return {e.description, e.module,      a.expression, a.file,      d.executable,
+            d.commandLine, d.description, m.FullName,   m.SymbolName};
 }
 
 // Line ends, blanks and lone ampersands are escaped; decoding is one pass
 // that doesn't look at what it wrote, so not every escaped text is written.
 TEST(ValueForms, EscapedTextIsWrittenAndReadAlikeInEveryField) {
     enum Way { both, writes, reads };
-    struct { std::wstring plain; std::wstring escaped; Way way; } const cases[] = {
+    struct {
+        std::wstring plain;
+        std::wstring escaped;
+        Way way;
+    } const cases[] = {
         {L"a b", L"a&nbsp;b", both},
         {L"x\r\ny", L"x<br>y", writes},
         {L"x\ry", L"x<br>y", writes},

@@ -10,13 +10,9 @@
 
 namespace {
 
-std::wstring wide(char const* text) {
-    return VANTIX_2_18::utf::from_utf8(text);
-}
+std::wstring wide(char const* text) { return VANTIX_2_18::utf::from_utf8(text); }
 
-std::string narrow(std::wstring const& text) {
-    return VANTIX_2_18::utf::to_utf8(text);
-}
+std::string narrow(std::wstring const& text) { return VANTIX_2_18::utf::to_utf8(text); }
 
 }  // namespace
 

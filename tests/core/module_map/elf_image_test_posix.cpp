@@ -22,10 +22,16 @@ using norvane_1::elf_image::MemoryBytes;
 // 8-byte build id 01 02 .. 08.
 std::vector<unsigned char> smallFile() {
     ImageBytes file(256);
-    file.text(0, "\x7F" "ELF\x02\x01\x01", 7).put(0x10, 3, 2).put(0x12, 62, 2).put(0x14, 1, 4);
+    file.text(0,
+              "\x7F"
+              "ELF\x02\x01\x01",
+              7)
+        .put(0x10, 3, 2)
+        .put(0x12, 62, 2)
+        .put(0x14, 1, 4);
     file.put(0x20, 64, 8).put(0x34, 64, 2).put(0x36, 56, 2).put(0x38, 3, 2).put(0x3A, 64, 2);
-    file.put(64, 1, 4).put(64 + 40, 0x1234, 8);                          // PT_LOAD at 0
-    file.put(120, 1, 4).put(120 + 16, 0x3000, 8).put(120 + 40, 0x10, 8);  // PT_LOAD at 0x3000
+    file.put(64, 1, 4).put(64 + 40, 0x1234, 8);                                         // PT_LOAD at 0
+    file.put(120, 1, 4).put(120 + 16, 0x3000, 8).put(120 + 40, 0x10, 8);                // PT_LOAD at 0x3000
     file.put(176, 4, 4).put(176 + 8, 232, 8).put(176 + 32, 24, 8).put(176 + 48, 4, 8);  // PT_NOTE
     file.put(232, 4, 4).put(236, 8, 4).put(240, 3, 4).text(244, "GNU", 4).put(248, 0x0807060504030201, 8);
     return file.bytes();

@@ -34,9 +34,7 @@ struct Entry {
     std::uint64_t begin;
     std::uint64_t end;
     std::wstring name;
-    bool operator==(Entry const& other) const {
-        return begin == other.begin && end == other.end && name == other.name;
-    }
+    bool operator==(Entry const& other) const { return begin == other.begin && end == other.end && name == other.name; }
 };
 
 inline std::ostream& operator<<(std::ostream& out, Entry const& e) {

@@ -32,7 +32,9 @@ public:
         return add(size, kind, m_end);
     }
     // A further region of the allocation that began at `allocationBase`.
-    FakeSpace& more(std::uint64_t size, char kind, std::uint64_t allocationBase) { return add(size, kind, allocationBase); }
+    FakeSpace& more(std::uint64_t size, char kind, std::uint64_t allocationBase) {
+        return add(size, kind, allocationBase);
+    }
 
     bool query(std::uint64_t address, MemoryRegion& region) override {
         auto found = m_regions.upper_bound(address);
@@ -77,8 +79,8 @@ TEST(ModuleScan, EachStretchOfCodeInAnImageMakesOneEntry) {
         .allocation(0x100, 'x', L"b")     // b: code up to the free region behind it
         .allocation(0x100, 'f');
     std::vector<std::uint64_t> bases;
-    EXPECT_EQ(scan(space, &bases), (std::vector<Entry>{
-                                       {0x1100, 0x1300, L"a"}, {0x1400, 0x1500, L"a"}, {0x1700, 0x1800, L"b"}}));
+    EXPECT_EQ(scan(space, &bases),
+              (std::vector<Entry>{{0x1100, 0x1300, L"a"}, {0x1400, 0x1500, L"a"}, {0x1700, 0x1800, L"b"}}));
     EXPECT_EQ(bases, (std::vector<std::uint64_t>{0x1000, 0x1000, 0x1700}));
 }
 

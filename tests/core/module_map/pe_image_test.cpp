@@ -16,8 +16,8 @@ std::vector<unsigned char> smallImage() {
     ImageBytes image(0x240);
     image.text(0, "MZ", 2).put(0x3C, 0x40, 4).text(0x40, "PE\0\0", 4);
     image.put(0x44, 0x8664, 2).put(0x46, 1, 2).put(0x48, 0x5F5E1000, 4).put(0x54, 0xF0, 2);  // file header
-    image.put(0x58, 0x20B, 2).put(0x58 + 56, 0x3000, 4).put(0x58 + 108, 16, 4);               // PE32+
-    image.put(0x58 + 112 + 6 * 8, 0x1000, 4).put(0x58 + 112 + 6 * 8 + 4, 28, 4);              // debug directory
+    image.put(0x58, 0x20B, 2).put(0x58 + 56, 0x3000, 4).put(0x58 + 108, 16, 4);              // PE32+
+    image.put(0x58 + 112 + 6 * 8, 0x1000, 4).put(0x58 + 112 + 6 * 8 + 4, 28, 4);             // debug directory
     image.put(0x148 + 8, 0x100, 4).put(0x148 + 12, 0x1000, 4).put(0x148 + 16, 0x40, 4).put(0x148 + 20, 0x200, 4);
     image.put(0x200 + 12, 2, 4).put(0x200 + 16, 30, 4).put(0x200 + 24, 0x21C, 4);  // the CodeView entry
     image.text(0x21C, "RSDS", 4).put(0x220, 0x0706050403020100, 8).put(0x228, 0x0F0E0D0C0B0A0908, 8);

@@ -38,9 +38,8 @@ TEST(SystemFacts, StartProcessDoesNotWait) {
     std::filesystem::path const record = scratch.path() / "record.txt";
     ScopedVariable const recordTool("KELMUR_FEEDBACK_RECORD", record.u8string());
     std::wstring const tool = norvane_1::os_layer::getExecutableDirectory() + L"/kelmur-feedback" +
-                              (norvane_1::os_layer::getExecutableName().find(L".exe") != std::wstring::npos
-                                   ? L".exe"
-                                   : L"");
+                              (norvane_1::os_layer::getExecutableName().find(L".exe") != std::wstring::npos ? L".exe"
+                                                                                                            : L"");
     std::uint32_t const pid = norvane_1::os_layer::startProcess(tool, {L"-mercy-kill=1", L"two words"}, true);
     ASSERT_NE(pid, 0u);
     std::vector<std::string> lines;

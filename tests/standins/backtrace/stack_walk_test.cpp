@@ -41,7 +41,8 @@ std::vector<std::uint64_t> g_returns;
 norvane_1::CleanStack g_frames;
 volatile int g_sink = 0;
 
-#define RECORD_RETURN() g_returns.insert(g_returns.begin(), reinterpret_cast<std::uint64_t>(__builtin_return_address(0)))
+#define RECORD_RETURN() \
+    g_returns.insert(g_returns.begin(), reinterpret_cast<std::uint64_t>(__builtin_return_address(0)))
 
 __attribute__((noinline)) void walkHere() {
     RECORD_RETURN();

@@ -12,5 +12,4 @@ extern "C" {
 // trailing separator, or null if it can't be told. The text stays valid
 // until the calling thread asks again.
 void norvane_1_getLogDir(wchar_t const** out);
-
 }

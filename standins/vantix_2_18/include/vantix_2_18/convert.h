@@ -16,8 +16,7 @@ struct radix_t {
 // Reading stops at the first character that is not a digit of the radix; an
 // empty text, or one without digits, gives 0. Digits beyond 64 bits wrap
 // around. `strict` is accepted for interface compatibility and has no effect.
-std::uint64_t str_to_uint64(wchar_t const* text, std::uint64_t length,
-                            radix_t::base radix, bool strict);
+std::uint64_t str_to_uint64(wchar_t const* text, std::uint64_t length, radix_t::base radix, bool strict);
 
 }  // namespace convert
 }  // namespace generic

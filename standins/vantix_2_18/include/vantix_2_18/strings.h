@@ -10,8 +10,7 @@ namespace strings {
 // The parts of `text` between occurrences of `delimiter`, in order, empty
 // parts included. A text without the delimiter gives one part, the text
 // itself; an empty text gives one empty part. `flags` must be 0.
-std::vector<std::wstring> split_string(std::wstring const& text,
-                                       std::wstring const& delimiter, int flags);
+std::vector<std::wstring> split_string(std::wstring const& text, std::wstring const& delimiter, int flags);
 
 // Replaces every occurrence of `what` in `text` by `with`, left to right,
 // never re-examining replaced text. An empty `what` changes nothing.
