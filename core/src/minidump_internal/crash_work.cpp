@@ -8,6 +8,7 @@
 #include "logging/logging.h"
 #include "minidump_problem_report_storage/log_directory.h"
 #include "process_globals.h"
+#include "task_service.h"
 
 #include <boost/thread/lock_guard.hpp>
 #include <boost/thread/mutex.hpp>
@@ -59,6 +60,8 @@ bool HandlerState::processSavedCrash(SavedCrash const& crash, char const* runLab
     }
 
     NORVANE_LOG_INFO(logger, L"Performing further out-of-proc handling...");
+    // The handler process may call back at once: the service must listen.
+    internal::awaitTaskServiceEndpoint();
     setExitCode(runCrashHandler(handed));
     NORVANE_LOG_INFO(logger, L"Worker thread finished");
     return true;

@@ -40,8 +40,8 @@
 //    the upkeep thread takes no lock the crash could hold but its own];
 //  - sets the late-fault hooks: sigaction / SetUnhandledExceptionFilter
 //    [safe];
-//  - starts the task service: a thread, a socket or pipe, allocations [not
-//    safe];
+//  - starts the task service: a thread and allocations [not safe]; the
+//    service's thread makes its socket or pipe meanwhile;
 //  - lets a fault or an exit() of the callback back into the crash path:
 //    unblocks the crash signals on Linux [safe]; on Windows, once, enters
 //    itself in the run-time library's exit list [not safe: its lock];
@@ -70,6 +70,7 @@
 #include "logging/logging.h"
 #include "platform.h"
 #include "process_globals.h"
+#include "task_service.h"
 
 #include <boost/thread.hpp>
 
@@ -216,8 +217,10 @@ long dumpMiniDumpFor(ExceptionData* data, std::uint32_t threadId) {
     stopFilterUpkeep();
     platform::setLateFaultHooks();
 
-    // 5. The task service, for the handler process to call back.
-    startExecuteMinidumpTaskthread();
+    // 5. The task service, for the handler process to call back. Its
+    // thread makes its endpoint while this one goes on; the worker waits
+    // for the endpoint before it starts the handler process.
+    internal::startTaskServiceUnawaited();
     // 6. No fault dialog of the system while the crash is handled.
     platform::suppressFaultDialogs();
 

@@ -5,7 +5,8 @@
 // ----------------------------------------
 //   Stopped    no service (g_emtTask empty).
 //              start -> Listening, once the first endpoint is made (start
-//              waits for that, at most a second).
+//              waits for that, at most a second; the crash's start leaves
+//              the wait for later, until its handler process starts).
 //              stop -> records "already stopped", stays.
 //   Listening  the thread waits for a client at an endpoint.
 //              a client connects -> Serving, and the next endpoint is made at
@@ -38,6 +39,7 @@
 #include "process_globals.h"
 #include "task_channel.h"
 #include "task_messages.h"
+#include "task_service.h"
 
 #include <gavrel2/smart_pointer.h>
 
@@ -110,6 +112,8 @@ private:
 
 gavrel2::smart_pointer_t<ExecuteMinidumpTaskThread> g_emtTask;
 gavrel2::smart_pointer_t<boost::thread> g_emtThread;
+// Ready when the first endpoint of the running service is made or couldn't be.
+std::shared_future<void> g_emtFirstEndpoint;
 
 void detachAndDelete(boost::thread* thread) {
     if (thread->joinable()) thread->detach();
@@ -215,17 +219,29 @@ task::Reply ExecuteMinidumpTaskThread::runFallback() {
     return task::replyOf(task::kPass);
 }
 
-void startExecuteMinidumpTaskthread() {
+namespace internal {
+
+void startTaskServiceUnawaited() {
     if (g_emtTask) {
         record(kStartLabel, L"EMT Service is already started");
         return;
     }
     g_emtTask = gavrel2::smart_pointer_t<ExecuteMinidumpTaskThread>(new ExecuteMinidumpTaskThread());
-    std::future<void> listening = g_emtTask->m_firstEndpoint.get_future();
+    g_emtFirstEndpoint = g_emtTask->m_firstEndpoint.get_future().share();
     g_emtThread = gavrel2::smart_pointer_t<boost::thread>(new boost::thread(CallableWrap(g_emtTask)), detachAndDelete);
-    listening.wait_for(kFirstEndpointWait);
     NORVANE_LOG_INFO(log::internalLogger(), L"EMT Service started!");
     record(kStartLabel, L"EMT Service started!");
+}
+
+void awaitTaskServiceEndpoint() {
+    if (g_emtFirstEndpoint.valid()) g_emtFirstEndpoint.wait_for(kFirstEndpointWait);
+}
+
+}  // namespace internal
+
+void startExecuteMinidumpTaskthread() {
+    internal::startTaskServiceUnawaited();
+    internal::awaitTaskServiceEndpoint();
 }
 
 void stopExecuteMinidumpTaskThread() {
@@ -235,6 +251,7 @@ void stopExecuteMinidumpTaskThread() {
         return;
     }
     g_emtTask->m_stop = 1;
+    internal::awaitTaskServiceEndpoint();  // the stop message needs an endpoint to go to
     executeMinidumpTask(terminateService, nullptr, 0, nullptr);
     if (!g_emtThread->timed_join(boost::posix_time::milliseconds(kStopJoinMilliseconds))) {
         record(kStopLabel, L"EMT Service did not end, left behind");
@@ -242,6 +259,7 @@ void stopExecuteMinidumpTaskThread() {
     g_emtThread.reset();
     NORVANE_LOG_INFO(log::internalLogger(), L"EMT Service stopped!");
     record(kStopLabel, L"EMT Service stopped!");
+    g_emtFirstEndpoint = {};
     g_emtTask.reset();
 }
 
