@@ -11,8 +11,9 @@ struct DumpInfo;
 int runCrashHandler(DumpInfo const& info);
 
 // What the worker does once, when it starts, so that a crash finds it done:
-// the worker's heap arena, the time zone of the first time stamp, and the
-// creation log in the custom-section list of the log directory.
+// the worker's heap arena, the time zone of the first time stamp, the
+// creation log in the custom-section list of the log directory, and the
+// debug-help libraries.
 void prepareCrashWork();
 
 // Puts the creation log into the custom-section list of `directory`, unless

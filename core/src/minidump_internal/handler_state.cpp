@@ -16,6 +16,7 @@
 #include "crash_stages.h"
 #include "crash_work.h"
 #include "minidump_problem_report_storage/log_directory.h"
+#include "module_map/debug_help_libraries.h"
 #include "platform.h"
 #include "process_globals.h"
 
@@ -75,6 +76,7 @@ void prepareCrashWork() {
     std::free(block);
     static_cast<void>(os_layer::getTimeStamp());
     listCreationLog(logDirectory());
+    holdDebugHelpLibraries();
 }
 
 void HandlerState::operator()() {

@@ -2,6 +2,7 @@
 // debug-help libraries to bind and no dumps to write.
 #include <norvane_1/dbghelp.h>
 
+#include "debug_help_libraries.h"
 #include "elf_debug_identity.h"
 
 #include <cstring>
@@ -26,6 +27,8 @@ std::wstring confirmed(std::wstring const& path, DbgHelpFileInfo const& wanted, 
 }
 
 }  // namespace
+
+void holdDebugHelpLibraries() {}
 
 DbgHelp::DbgHelp() : m_libs(new DbgHelpLibs) {}
 

@@ -6,6 +6,7 @@
 // this process picks.
 #include <norvane_1/dbghelp.h>
 
+#include "debug_help_libraries.h"
 #include "scoped_handle_windows.h"
 
 #include <gavrel2/shared_lib.h>
@@ -146,6 +147,17 @@ struct DbgHelpLibs {
         dbgHelpLib.uninitialize();
     }
 };
+
+void holdDebugHelpLibraries() {
+    static bool const held = [] {
+        HMODULE const help = ::LoadLibraryW(L"kelmur_dbghelp.dll");
+        // Its exports forward to the system's library: resolving one loads it.
+        if (help != nullptr) static_cast<void>(::GetProcAddress(help, "SymInitializeW"));
+        static_cast<void>(::LoadLibraryW(L"imagehlp.dll"));
+        return true;
+    }();
+    static_cast<void>(held);
+}
 
 DbgHelp::DbgHelp() : m_libs(new DbgHelpLibs) {}
 
