@@ -67,6 +67,7 @@
 // beside this program. The environment variables of the library apply
 // (NORVANE_LOG_DIR, NORVANE_CRASH_HANDLER, ...); CRASH_HOST_TIMESTAMP_FILE
 // makes the host note the moment it faults (fault_stamp.h);
+// CRASH_HOST_SETTLE_MS makes it wait that long after its install;
 // CRASH_HOST_IGNORE_CHILDREN has the system reap child processes (SIGCHLD
 // ignored) before the library is installed.
 //
@@ -313,6 +314,16 @@ Kind const* findKind(std::string const& name) {
     return nullptr;
 }
 
+// A product crashes long after its install, not within a millisecond of it:
+// the wait lets the library finish what its install started.
+void settleAfterInstall() {
+    char const* settle = std::getenv("CRASH_HOST_SETTLE_MS");
+    if (settle == nullptr) return;
+    auto const until = std::chrono::steady_clock::now() + std::chrono::milliseconds(std::atoi(settle));
+    while (std::chrono::steady_clock::now() < until) {
+    }
+}
+
 int usage() {
     std::cerr << "usage: crash_host <kind> [--handler <path>]\nkinds:";
     for (Kind const& kind : kKinds) std::cerr << ' ' << kind.name;
@@ -333,6 +344,7 @@ int main(int argc, char** argv) {
 
     if (std::getenv("CRASH_HOST_IGNORE_CHILDREN") != nullptr) ignoreChildProcessEnds();
     if (!kind->installsItself) install();
+    settleAfterInstall();
     say(kind->announcement);
     return kind->run();
 }
