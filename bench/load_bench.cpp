@@ -121,7 +121,7 @@ int main(int argc, char** argv) {
         if (run == runs) columns[4].push_back(figures[4]);
     }
     fs::remove(output);
-    double const times = load_bench::targetFactor();
+    double const times = NORVANE_BENCH_TARGET_FACTOR;
     std::printf("load_bench, %d runs (idle: %d s)%s\n", runs, idleSeconds, times > 1 ? ", targets x5 here" : "");
     printFigure("load", columns[0], kLoadTargetMs * times, "ms");
     printFigure("threads at load", columns[1], kThreadsTarget, "");

@@ -16,8 +16,4 @@ ProcessFigures processFigures();
 void* loadLibrary();
 void* librarySymbol(void* library, char const* name);
 
-// How many times the native targets of time and memory a platform is
-// given: 5 for the Windows build, which runs under Wine.
-double targetFactor();
-
 }  // namespace load_bench

@@ -32,6 +32,4 @@ void* loadLibrary() { return ::dlopen(NORVANE_LIBRARY_FILE, RTLD_NOW | RTLD_LOCA
 
 void* librarySymbol(void* library, char const* name) { return ::dlsym(library, name); }
 
-double targetFactor() { return 1; }
-
 }  // namespace load_bench

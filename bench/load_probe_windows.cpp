@@ -44,6 +44,4 @@ void* librarySymbol(void* library, char const* name) {
     return reinterpret_cast<void*>(::GetProcAddress(static_cast<HMODULE>(library), name));
 }
 
-double targetFactor() { return 5; }
-
 }  // namespace load_bench
