@@ -70,8 +70,9 @@ struct ReportWatch::Platform {
 };
 
 ReportWatch::ReportWatch(std::filesystem::path const& file) : m_platform(new Platform) {
-    norvane_1::ScopedFileHandle const created(::CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                                            nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    norvane_1::ScopedFileHandle const created(::CreateFileW(file.c_str(), GENERIC_WRITE,
+                                                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                                                            FILE_ATTRIBUTE_NORMAL, nullptr));
     m_platform->directory = norvane_1::ScopedFileHandle(::CreateFileW(
         file.parent_path().c_str(), FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
         nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OVERLAPPED, nullptr));
