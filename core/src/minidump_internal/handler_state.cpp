@@ -17,6 +17,7 @@
 #include "crash_work.h"
 #include "minidump_problem_report_storage/log_directory.h"
 #include "module_map/debug_help_libraries.h"
+#include "module_map/stack_capture.h"
 #include "platform.h"
 #include "process_globals.h"
 
@@ -77,6 +78,7 @@ void prepareCrashWork() {
     static_cast<void>(os_layer::getTimeStamp());
     listCreationLog(logDirectory());
     holdDebugHelpLibraries();
+    prepareStackCapture();
 }
 
 void HandlerState::operator()() {

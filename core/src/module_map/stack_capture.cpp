@@ -36,6 +36,8 @@ StackFrame exceptionFrame(Exception const& exception) {
 
 }  // namespace
 
+void prepareStackCapture() { bt::createBtHelper()->prepare(kThisProcess); }
+
 bool collectThreadStack(DumpInfo const& info, Context const& context, MinidumpModuleMap const* map,
                         RegionSource& regions, ProblemReportStorage& storage) {
     // 1.-2. The stack's end, and the scan for return addresses.
