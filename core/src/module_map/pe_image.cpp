@@ -12,28 +12,44 @@ constexpr std::size_t kDebugEntrySize = 28;
 constexpr std::size_t kSectionHeaderSize = 40;
 constexpr std::size_t kFileHeaderSize = 20;
 
-// Little-endian views of the file bytes; each checks its own bounds.
+// Little-endian numbers of the file, through its source.
 class Bytes {
 public:
-    Bytes(unsigned char const* data, std::size_t size) : m_data(data), m_size(size) {}
+    explicit Bytes(Source const& source) : m_source(source) {}
 
-    bool has(std::uint64_t offset, std::uint64_t length) const { return offset <= m_size && length <= m_size - offset; }
+    bool copy(std::uint64_t offset, void* to, std::size_t length) const {
+        return m_source.copy(m_source.context, offset, to, length);
+    }
     bool u16(std::uint64_t offset, std::uint16_t& value) const {
-        if (!has(offset, 2)) return false;
-        value = static_cast<std::uint16_t>(m_data[offset] | m_data[offset + 1] << 8);
+        unsigned char bytes[2];
+        if (!copy(offset, bytes, sizeof bytes)) return false;
+        value = static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8);
         return true;
     }
     bool u32(std::uint64_t offset, std::uint32_t& value) const {
-        if (!has(offset, 4)) return false;
+        unsigned char bytes[4];
+        if (!copy(offset, bytes, sizeof bytes)) return false;
         value = 0;
-        for (int i = 3; i >= 0; --i) value = value << 8 | m_data[offset + static_cast<unsigned>(i)];
+        for (int i = 3; i >= 0; --i) value = value << 8 | bytes[i];
         return true;
     }
-    unsigned char const* at(std::uint64_t offset) const { return m_data + offset; }
 
 private:
-    unsigned char const* m_data;
-    std::size_t m_size;
+    Source const& m_source;
+};
+
+// A source over bytes in memory.
+struct Memory {
+    unsigned char const* data;
+    std::size_t size;
+
+    static bool copy(void const* context, std::uint64_t offset, void* to, std::size_t length) {
+        auto const& memory = *static_cast<Memory const*>(context);
+        if (offset > memory.size || length > memory.size - offset) return false;
+        auto* target = static_cast<unsigned char*>(to);
+        for (std::size_t i = 0; i < length; ++i) target[i] = memory.data[offset + i];
+        return true;
+    }
 };
 
 struct Headers {
@@ -82,17 +98,21 @@ bool fileOffset(Bytes const& bytes, Headers const& headers, std::uint32_t rva, s
     return false;
 }
 
-// "RSDS", the 16-byte signature, the age and a terminated file name.
+// "RSDS", the 16-byte signature, the age and a terminated file name; the
+// whole record must be in the file.
 void readCodeView(Bytes const& bytes, std::uint64_t offset, std::uint32_t length, Identity& identity) {
-    std::uint32_t magic = 0;
-    if (length < 24 || !bytes.has(offset, length) || !bytes.u32(offset, magic) || magic != 0x53445352) return;
-    for (int i = 0; i < 16; ++i) identity.guid[i] = *bytes.at(offset + 4 + static_cast<unsigned>(i));
-    bytes.u32(offset + 20, identity.age);
-    char const* name = reinterpret_cast<char const*>(bytes.at(offset + 24));
-    std::size_t const room = length - 24;
+    constexpr std::size_t kHead = 24;
+    unsigned char head[kHead];
+    unsigned char last = 0;
+    if (length < kHead || !bytes.copy(offset, head, kHead) || !bytes.copy(offset + length - 1, &last, 1)) return;
+    if (head[0] != 'R' || head[1] != 'S' || head[2] != 'D' || head[3] != 'S') return;
+    for (int i = 0; i < 16; ++i) identity.guid[i] = head[4 + i];
+    identity.age = static_cast<std::uint32_t>(head[20] | head[21] << 8 | head[22] << 16) | std::uint32_t{head[23]}
+                                                                                               << 24;
+    std::size_t const room = length - kHead < sizeof identity.debugFile ? length - kHead : sizeof identity.debugFile;
+    if (!bytes.copy(offset + kHead, identity.debugFile, room)) return;
     std::size_t nameLength = 0;
-    while (nameLength < room && name[nameLength] != '\0') ++nameLength;
-    identity.debugFile = name;
+    while (nameLength < room && identity.debugFile[nameLength] != '\0') ++nameLength;
     identity.debugFileLength = nameLength;
     identity.hasCodeView = true;
 }
@@ -119,13 +139,18 @@ void readDebugDirectory(Bytes const& bytes, Headers const& headers, Identity& id
 
 }  // namespace
 
-bool read(unsigned char const* bytes, std::size_t size, Identity& identity) {
+bool read(Source const& source, Identity& identity) {
     identity = Identity();
-    Bytes const view(bytes, size);
+    Bytes const view(source);
     Headers headers;
     if (!readHeaders(view, headers, identity)) return false;
     readDebugDirectory(view, headers, identity);
     return true;
+}
+
+bool read(unsigned char const* bytes, std::size_t size, Identity& identity) {
+    Memory const memory{bytes, size};
+    return read(Source{Memory::copy, &memory}, identity);
 }
 
 }  // namespace pe_image

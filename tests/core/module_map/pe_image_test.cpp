@@ -50,15 +50,12 @@ TEST(PeImage, TruncatedCopiesGiveWhatTheyHold) {
     }
 }
 
+// The sanitizer builds catch any read outside the bytes.
 TEST(PeImage, DamagedCopiesAreReadWithinTheirBytes) {
     readDamagedCopies(smallImage(), 20000, [](std::vector<unsigned char> const& bytes) {
         norvane_1::pe_image::Identity identity;
         norvane_1::pe_image::read(bytes.data(), bytes.size(), identity);
-        if (identity.hasCodeView) {
-            ASSERT_GE(identity.debugFile, reinterpret_cast<char const*>(bytes.data()));
-            ASSERT_LE(identity.debugFile + identity.debugFileLength,
-                      reinterpret_cast<char const*>(bytes.data() + bytes.size()));
-        }
+        ASSERT_LE(identity.debugFileLength, sizeof identity.debugFile);
     });
 }
 
