@@ -43,8 +43,12 @@ std::wstring detectProductInfo(ModuleInfoList const& modules, wchar_t const* rep
     recordProgress(kDetectLabel, L"Detecting product info", reportPath);
     std::wstring result;
     std::vector<std::wstring> seen;
+    // Modules of one directory share their file: it is looked for once.
+    std::vector<std::wstring> lookedFor;
     for (auto const& module : modules) {
         std::wstring const support = supportFileOf(module.FullName);
+        if (std::find(lookedFor.begin(), lookedFor.end(), support) != lookedFor.end()) continue;
+        lookedFor.push_back(support);
         if (!gavrel2::path_t::exists(support)) continue;
         std::wstring const text = gavrel2::get_file_content(gavrel2::get_file_cp(support, 0), support, 0);
         if (std::find(seen.begin(), seen.end(), text) != seen.end()) continue;
