@@ -33,8 +33,14 @@ bool readableMapping(char const* line, std::uint64_t& begin, std::uint64_t& end)
 
 ReadableMemory ReadableMemory::ofThisProcess() {
     ReadableMemory memory;
+    // The file's own block size is 1 KiB, and each read makes the system
+    // write the list out again from where the last one stopped: a larger
+    // buffer, which outlives the stream, takes the whole list in a few reads.
+    constexpr std::size_t kBufferSize = 64 * 1024;
+    std::unique_ptr<char[]> const buffer(new char[kBufferSize]);
     std::unique_ptr<std::FILE, FileCloser> maps(std::fopen("/proc/self/maps", "re"));
     if (!maps) return memory;
+    std::setvbuf(maps.get(), buffer.get(), _IOFBF, kBufferSize);
     char line[4096];
     while (std::fgets(line, sizeof line, maps.get())) {
         Range range{};
