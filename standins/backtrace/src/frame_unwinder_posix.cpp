@@ -9,9 +9,8 @@
 // rather than from the walking thread.
 #include "frame_unwinder.h"
 
+#include "libunwind_binding_posix.h"
 #include "readable_memory_posix.h"
-
-#include <libunwind.h>
 
 #include <cstddef>
 #include <unordered_map>
@@ -58,21 +57,22 @@ __attribute__((no_sanitize("address", "thread"))) void copyFrom(std::uint64_t ad
 
 class LibunwindUnwinder final : public FrameUnwinder {
 public:
-    explicit LibunwindUnwinder(ReadableMemory memory) : m_memory(std::move(memory)) {
-        unw_accessors_t accessors = *unw_get_accessors(unw_local_addr_space);
+    LibunwindUnwinder(Libunwind const& libunwind, ReadableMemory memory)
+        : m_unw(libunwind), m_memory(std::move(memory)) {
+        unw_accessors_t accessors = *m_unw.getAccessors(*m_unw.localAddressSpace);
         accessors.access_mem = accessMemory;
         accessors.access_reg = accessRegister;
         accessors.access_fpreg = accessFloatRegister;
         accessors.resume = resume;
         accessors.get_proc_name = procedureName;
-        m_space = unw_create_addr_space(&accessors, 0);
+        m_space = m_unw.createAddressSpace(&accessors, 0);
         // The space serves one walk on one thread: a cache would hardly be
         // hit, and its lock masks every signal around each use, two system
         // calls a time.
-        if (m_space) unw_set_caching_policy(m_space, UNW_CACHE_NONE);
+        if (m_space) m_unw.setCachingPolicy(m_space, UNW_CACHE_NONE);
     }
     ~LibunwindUnwinder() override {
-        if (m_space) unw_destroy_addr_space(m_space);
+        if (m_space) m_unw.destroyAddressSpace(m_space);
     }
     LibunwindUnwinder(LibunwindUnwinder const&) = delete;
     LibunwindUnwinder& operator=(LibunwindUnwinder const&) = delete;
@@ -81,19 +81,19 @@ public:
 
     bool start(norvane_1::Context const& registers) override {
         m_registers = registers;
-        return unw_init_remote(&m_cursor, m_space, this) == 0;
+        return m_unw.initRemote(&m_cursor, m_space, this) == 0;
     }
 
     // Code without unwind information stops the walk here, before libunwind
     // would guess at a frame-pointer chain.
     Step step(std::uint64_t& instructionPointer, std::uint64_t& stackPointer) override {
         if (!hasUnwindInformation()) return Step::stopped;
-        int const moved = unw_step(&m_cursor);
+        int const moved = m_unw.step(&m_cursor);
         if (moved == 0) return Step::end;
         unw_word_t instruction = 0;
         unw_word_t stack = 0;
-        if (moved < 0 || unw_get_reg(&m_cursor, UNW_REG_IP, &instruction) != 0 ||
-            unw_get_reg(&m_cursor, UNW_REG_SP, &stack) != 0) {
+        if (moved < 0 || m_unw.getRegister(&m_cursor, UNW_REG_IP, &instruction) != 0 ||
+            m_unw.getRegister(&m_cursor, UNW_REG_SP, &stack) != 0) {
             return Step::stopped;
         }
         instructionPointer = instruction;
@@ -105,7 +105,7 @@ public:
         norvane_1::Context registers = m_registers;
         for (unw_regnum_t number = 0; number < kRegisterCount; ++number) {
             unw_word_t value = 0;
-            if (unw_get_reg(&m_cursor, number, &value) == 0) registers.*registerField(number) = value;
+            if (m_unw.getRegister(&m_cursor, number, &value) == 0) registers.*registerField(number) = value;
         }
         return registers;
     }
@@ -123,11 +123,11 @@ private:
     // again, and the search for a procedure costs as much as the step.
     bool hasUnwindInformation() {
         unw_word_t instruction = 0;
-        if (unw_get_reg(&m_cursor, UNW_REG_IP, &instruction) != 0) return false;
+        if (m_unw.getRegister(&m_cursor, UNW_REG_IP, &instruction) != 0) return false;
         auto const known = m_described.find(instruction);
         if (known != m_described.end()) return known->second;
         unw_proc_info_t procedure;
-        bool const described = unw_get_proc_info(&m_cursor, &procedure) == 0 &&
+        bool const described = m_unw.getProcedureInfo(&m_cursor, &procedure) == 0 &&
                                !(procedure.start_ip == instruction && procedure.end_ip == instruction + 1);
         m_described.emplace(instruction, described);
         return described;
@@ -153,6 +153,7 @@ private:
         return -UNW_ENOINFO;
     }
 
+    Libunwind const& m_unw;
     ReadableMemory m_memory;
     unw_addr_space_t m_space = nullptr;
     unw_cursor_t m_cursor{};
@@ -163,7 +164,9 @@ private:
 }  // namespace
 
 std::unique_ptr<FrameUnwinder> createLocalUnwinder() {
-    auto unwinder = std::make_unique<LibunwindUnwinder>(ReadableMemory::ofThisProcess());
+    Libunwind const* const libunwind = bt::libunwind();
+    if (libunwind == nullptr) return nullptr;
+    auto unwinder = std::make_unique<LibunwindUnwinder>(*libunwind, ReadableMemory::ofThisProcess());
     if (!unwinder->ready()) return nullptr;
     return unwinder;
 }
