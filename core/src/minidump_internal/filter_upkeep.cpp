@@ -136,6 +136,10 @@ bool exceptionHandlingDisabled() { return !gavrel2::get_environ_value(L"NORVANE_
 
 void installCrashHandling(ExceptionHandler* handler) {
     if (exceptionHandlingDisabled()) return;
+    struct Installing {
+        Installing() { g_installing = true; }
+        ~Installing() { g_installing = false; }
+    } const installing;
     returnToIdleAfterPassedOnCrash();
     HandlerState* state = HandlerState::get();
     if (state != nullptr) {

@@ -25,7 +25,9 @@
 
 #include <boost/thread.hpp>
 
+#include <chrono>
 #include <cstdlib>
+#include <thread>
 
 namespace norvane_1 {
 namespace {
@@ -38,6 +40,19 @@ std::int32_t collectModeFromEnvironment() {
 }
 
 constexpr long kReleaseJoinMicroseconds = 5000000;
+constexpr int kInstallWaitMilliseconds = 100;
+
+// The debug-help and stack-walk libraries are loaded once the install that
+// started this worker has returned: loaded meanwhile, they took the dynamic
+// loader's locks that the install's own steps wait for (the upkeep thread's
+// start, the assertion library's load), natively a quarter of a
+// millisecond of the install.
+// Bounded, for an install that never returns, a crash inside it.
+void awaitInstallEnd() {
+    for (int waited = 0; g_installing && waited < kInstallWaitMilliseconds; ++waited) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
 
 }  // namespace
 
@@ -77,6 +92,7 @@ void prepareCrashWork() {
     std::free(block);
     static_cast<void>(os_layer::getTimeStamp());
     listCreationLog(logDirectory());
+    awaitInstallEnd();
     holdDebugHelpLibraries();
     prepareStackCapture();
 }

@@ -7,5 +7,6 @@ std::atomic<bool> g_processExiting{false};
 std::atomic<ExceptionHandler*> g_exceptionHandler{nullptr};
 std::atomic<std::uint32_t> g_workerThreadId{0};
 std::atomic<std::uint32_t> g_serviceThreadId{0};
+std::atomic<bool> g_installing{false};
 
 }  // namespace norvane_1

@@ -18,5 +18,7 @@ extern std::atomic<ExceptionHandler*> g_exceptionHandler;
 extern std::atomic<std::uint32_t> g_workerThreadId;
 // The system's id of the task service's thread while it runs; 0 before.
 extern std::atomic<std::uint32_t> g_serviceThreadId;
+// Set while the install step runs.
+extern std::atomic<bool> g_installing;
 
 }  // namespace norvane_1
