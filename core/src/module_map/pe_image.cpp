@@ -102,13 +102,12 @@ bool fileOffset(Bytes const& bytes, Headers const& headers, std::uint32_t rva, s
 // whole record must be in the file.
 void readCodeView(Bytes const& bytes, std::uint64_t offset, std::uint32_t length, Identity& identity) {
     constexpr std::size_t kHead = 24;
-    unsigned char head[kHead];
+    std::uint32_t magic = 0;
     unsigned char last = 0;
-    if (length < kHead || !bytes.copy(offset, head, kHead) || !bytes.copy(offset + length - 1, &last, 1)) return;
-    if (head[0] != 'R' || head[1] != 'S' || head[2] != 'D' || head[3] != 'S') return;
-    for (int i = 0; i < 16; ++i) identity.guid[i] = head[4 + i];
-    identity.age = static_cast<std::uint32_t>(head[20] | head[21] << 8 | head[22] << 16) | std::uint32_t{head[23]}
-                                                                                               << 24;
+    if (length < kHead || !bytes.copy(offset + length - 1, &last, 1)) return;
+    if (!bytes.u32(offset, magic) || magic != 0x53445352) return;
+    bytes.copy(offset + 4, identity.guid, sizeof identity.guid);
+    bytes.u32(offset + 20, identity.age);
     std::size_t const room = length - kHead < sizeof identity.debugFile ? length - kHead : sizeof identity.debugFile;
     if (!bytes.copy(offset + kHead, identity.debugFile, room)) return;
     std::size_t nameLength = 0;

@@ -23,8 +23,8 @@ bool collectThreadStack(DumpInfo const& info, Context const& context, MinidumpMo
                         RegionSource& regions, ProblemReportStorage& storage);
 
 // Readies the back-trace library for this process ahead of a crash: its
-// unwinder sets itself up once per process on first use, a good part of
-// the walk's cost. Any thread.
+// unwinder's library is loaded and sets itself up once per process, on
+// first use, a good part of the walk's cost. Any thread.
 void prepareStackCapture();
 
 }  // namespace norvane_1
