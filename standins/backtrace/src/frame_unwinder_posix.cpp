@@ -4,9 +4,9 @@
 // that stack in place. libunwind's own local mode would read any address its
 // unwind rules compute, and a damaged stack would make the walk fault; so the
 // walk uses an address space of its own, with libunwind's local ways of
-// finding unwind information but with reads that first ask a snapshot of the
-// process's mappings, and with registers that come from the saved context
-// rather than from the walking thread.
+// finding unwind information but with reads that first ask whether the
+// memory can be read (readable_memory_posix.h), and with registers that
+// come from the saved context rather than from the walking thread.
 #include "frame_unwinder.h"
 
 #include "libunwind_binding_posix.h"
@@ -48,7 +48,7 @@ constexpr unw_regnum_t kRegisterCount = UNW_X86_64_RIP + 1;
 
 // The stack of another thread holds the address sanitizer's poisoned zones:
 // these reads are meant, so they bypass the sanitizers' checks (and memcpy,
-// which they intercept). The snapshot said the memory is mapped readable.
+// which they intercept). The memory was found readable first.
 __attribute__((no_sanitize("address", "thread"))) void copyFrom(std::uint64_t address, void* buffer, std::size_t size) {
     auto const* from = reinterpret_cast<unsigned char const volatile*>(address);
     auto* to = static_cast<unsigned char*>(buffer);

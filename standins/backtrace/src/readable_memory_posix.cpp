@@ -1,6 +1,9 @@
 // POSIX code only.
 #include "readable_memory_posix.h"
 
+#include <sys/uio.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -9,6 +12,22 @@
 
 namespace bt {
 namespace {
+
+// How many of the kPagesAsked pages from `first` on can be read, counted up
+// to the first that can't: one system call, which copies a byte of each page
+// and stops at the first it can't copy, with EFAULT rather than a fault.
+constexpr std::size_t kPagesAsked = 16;
+
+std::size_t readablePagesFrom(std::uint64_t first, unsigned pageShift) {
+    unsigned char bytes[kPagesAsked];
+    iovec local{bytes, sizeof bytes};
+    iovec remote[kPagesAsked];
+    for (std::size_t i = 0; i < kPagesAsked; ++i) {
+        remote[i] = iovec{reinterpret_cast<void*>((first + i) << pageShift), 1};
+    }
+    ssize_t const copied = ::process_vm_readv(::getpid(), &local, 1, remote, kPagesAsked, 0);
+    return copied > 0 ? static_cast<std::size_t>(copied) : 0;
+}
 
 struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -33,39 +52,92 @@ bool readableMapping(char const* line, std::uint64_t& begin, std::uint64_t& end)
 
 ReadableMemory ReadableMemory::ofThisProcess() {
     ReadableMemory memory;
+    long const pageSize = ::sysconf(_SC_PAGESIZE);
+    while (pageSize > 0 && (std::uint64_t{1} << memory.m_pageShift) < static_cast<std::uint64_t>(pageSize)) {
+        ++memory.m_pageShift;
+    }
+    // A byte of our own stack can always be read: if the system won't copy
+    // it, it won't copy any.
+    unsigned char const known = 0;
+    memory.m_probing = readablePagesFrom(reinterpret_cast<std::uint64_t>(&known) >> memory.m_pageShift,
+                                         memory.m_pageShift) > 0;
+    if (!memory.m_probing) memory.m_ranges = readableMappings();
+    return memory;
+}
+
+bool ReadableMemory::holds(std::uint64_t address, std::size_t size) const {
+    if (address >= m_lastRange.begin && address < m_lastRange.end && size <= m_lastRange.end - address) return true;
+    for (;;) {
+        Range const* const range = rangeHolding(address);
+        if (range != nullptr && size <= range->end - address) {
+            m_lastRange = *range;
+            return true;
+        }
+        // Each pass learns at least one more page, or ends.
+        if (!m_probing || !learnPagesFrom((range != nullptr ? range->end : address) >> m_pageShift)) return false;
+    }
+}
+
+ReadableMemory::Range const* ReadableMemory::rangeHolding(std::uint64_t address) const {
+    auto const above = std::upper_bound(m_ranges.begin(), m_ranges.end(), address,
+                                        [](std::uint64_t a, Range const& r) { return a < r.begin; });
+    if (above == m_ranges.begin()) return nullptr;
+    Range const& range = *(above - 1);
+    return address < range.end ? &range : nullptr;
+}
+
+// The pages that follow are asked in the same call: a stack and a table of
+// unwind information are read upwards.
+bool ReadableMemory::learnPagesFrom(std::uint64_t page) const {
+    if (std::find(m_unreadablePages.begin(), m_unreadablePages.end(), page) != m_unreadablePages.end()) return false;
+    std::size_t const readable = readablePagesFrom(page, m_pageShift);
+    if (readable == 0) {
+        m_unreadablePages.push_back(page);
+        return false;
+    }
+    Range learnt{page << m_pageShift, (page + readable) << m_pageShift};
+    auto at = std::upper_bound(m_ranges.begin(), m_ranges.end(), learnt.begin,
+                               [](std::uint64_t a, Range const& r) { return a < r.begin; });
+    // Joined with a range it touches on either side, so that a read across
+    // the pages of two probes is still answered by one range.
+    if (at != m_ranges.begin() && (at - 1)->end >= learnt.begin) {
+        --at;
+        learnt.begin = at->begin;
+        learnt.end = std::max(learnt.end, at->end);
+        at = m_ranges.erase(at);
+    }
+    while (at != m_ranges.end() && at->begin <= learnt.end) {
+        learnt.end = std::max(learnt.end, at->end);
+        at = m_ranges.erase(at);
+    }
+    m_ranges.insert(at, learnt);
+    return true;
+}
+
+std::vector<ReadableMemory::Range> ReadableMemory::readableMappings() {
+    std::vector<Range> ranges;
     // The file's own block size is 1 KiB, and each read makes the system
     // write the list out again from where the last one stopped: a larger
     // buffer, which outlives the stream, takes the whole list in a few reads.
     constexpr std::size_t kBufferSize = 64 * 1024;
     std::unique_ptr<char[]> const buffer(new char[kBufferSize]);
     std::unique_ptr<std::FILE, FileCloser> maps(std::fopen("/proc/self/maps", "re"));
-    if (!maps) return memory;
+    if (!maps) return ranges;
     std::setvbuf(maps.get(), buffer.get(), _IOFBF, kBufferSize);
     char line[4096];
     while (std::fgets(line, sizeof line, maps.get())) {
         Range range{};
         if (!readableMapping(line, range.begin, range.end)) continue;
-        if (!memory.m_ranges.empty() && memory.m_ranges.back().end == range.begin) {
-            memory.m_ranges.back().end = range.end;
+        if (!ranges.empty() && ranges.back().end == range.begin) {
+            ranges.back().end = range.end;
         } else {
-            memory.m_ranges.push_back(range);
+            ranges.push_back(range);
         }
         // A line longer than the buffer: skip the rest of it.
         while (std::strchr(line, '\n') == nullptr && std::fgets(line, sizeof line, maps.get())) {
         }
     }
-    return memory;
-}
-
-bool ReadableMemory::holds(std::uint64_t address, std::size_t size) const {
-    if (address >= m_last.begin && address < m_last.end) return size <= m_last.end - address;
-    auto const above = std::upper_bound(m_ranges.begin(), m_ranges.end(), address,
-                                        [](std::uint64_t a, Range const& r) { return a < r.begin; });
-    if (above == m_ranges.begin()) return false;
-    Range const& range = *(above - 1);
-    if (address >= range.end) return false;
-    m_last = range;
-    return size <= range.end - address;
+    return ranges;
 }
 
 }  // namespace bt
