@@ -1,7 +1,9 @@
-// Choosing the handler program: an absolute path as given. A name looked up
-// in the product's program directory is how every crash test finds its
-// handler; the variable and a missing handler are crashed on in
-// crash_outcome_test.cpp (HandlerLookups).
+// Choosing and starting the handler program, and the "Process" section of
+// a process that can't be opened. A name looked up in the product's program
+// directory is how every crash test finds its handler; the variable and a
+// missing handler are crashed on in crash_outcome_test.cpp (HandlerLookups);
+// the "Process" section of a crashed process is in every crash's report.
+#include <norvane_1/crash_handling.h>
 #include <norvane_1/exception_handler.h>
 
 #include "test_environment.h"
@@ -27,12 +29,11 @@ protected:
     ScopedVariable disabled{"NORVANE_DISABLE_EXCEPTION_HANDLER", "1"};
 };
 
+// Unlike a name in the program directory, it gets no ".exe" added.
 TEST_F(HandlerPathTest, AnAbsolutePathMustExistAsGiven) {
     touch(files.path() / "handler.exe");
     ActualExceptionHandler handler;
-    std::wstring withoutExtension = (files.path() / "handler").wstring();
-    EXPECT_FALSE(handler.locateHandler(withoutExtension));
-    handler.setHandlerPath(withoutExtension.c_str());
+    handler.setHandlerPath((files.path() / "handler").wstring().c_str());
     EXPECT_EQ(handler.getHandlerPath(), L"");
     std::wstring const full = (files.path() / "handler.exe").wstring();
     handler.setHandlerPath(full.c_str());
@@ -44,6 +45,10 @@ TEST_F(HandlerPathTest, AnAbsolutePathMustExistAsGiven) {
 TEST(SpawnHandler, AProgramThatIsMissingGivesMinusOne) {
     ScratchDirectory files("spawn");
     EXPECT_EQ(ActualExceptionHandler::spawnHandler((files.path() / "none.exe").wstring(), {L"-x"}), -1);
+}
+
+TEST(ProcessMemInfo, AProcessThatCantBeOpenedGivesTheNameLineAlone) {
+    EXPECT_EQ(norvane_1::getProcessMemInfo(0x7ffffff0u), L"Process Name: \n");
 }
 
 }  // namespace

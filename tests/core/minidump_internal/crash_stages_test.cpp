@@ -8,7 +8,6 @@
 
 #include <atomic>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -30,21 +29,6 @@ protected:
         stages.returnToIdleAfterPassedOn();
         EXPECT_EQ(stages.stage(), CrashStage::idle);
     }
-
-    // Runs `work(i)` on `count` threads released together.
-    template <typename Work>
-    static void together(int count, Work work) {
-        std::atomic<bool> go{false};
-        std::vector<std::thread> threads;
-        for (int i = 0; i < count; ++i) {
-            threads.emplace_back([&go, &work, i] {
-                while (!go.load()) std::this_thread::yield();
-                work(i);
-            });
-        }
-        go = true;
-        for (auto& thread : threads) thread.join();
-    }
 };
 
 TEST_F(CrashStagesTest, TheOwnerFaultingInTheCallbackGoesOnOnceAndAThirdFaultIsPassedOn) {
@@ -62,23 +46,28 @@ TEST_F(CrashStagesTest, TheOwnerFaultingInTheCallbackGoesOnOnceAndAThirdFaultIsP
 // the remove step waits until the crash is decided.
 TEST_F(CrashStagesTest, ARemoveStepRacingAFaultNeverTearsDownUnderTheCrash) {
     for (int round = 0; round < 40; ++round) {
+        std::atomic<bool> go{false};
         Arrival arrival{};
         CrashStages::Removal removal{};
-        together(2, [&](int i) {
-            if (i == 0) {
-                arrival = stages.arrive(42);
-                if (arrival == Arrival::owner) {
-                    stages.handedOver();
-                    stages.decide(true);
-                }
-            } else {
-                removal = stages.claimForRemoval(false, false);
-                if (removal == CrashStages::Removal::claimed) {
-                    EXPECT_EQ(stages.stage(), CrashStage::removing);
-                    stages.endRemoval();
-                }
+        std::thread fault([&] {
+            while (!go) std::this_thread::yield();
+            arrival = stages.arrive(42);
+            if (arrival == Arrival::owner) {
+                stages.handedOver();
+                stages.decide(true);
             }
         });
+        std::thread remove([&] {
+            while (!go) std::this_thread::yield();
+            removal = stages.claimForRemoval(false, false);
+            if (removal == CrashStages::Removal::claimed) {
+                EXPECT_EQ(stages.stage(), CrashStage::removing);
+                stages.endRemoval();
+            }
+        });
+        go = true;
+        fault.join();
+        remove.join();
         if (arrival == Arrival::owner) {
             EXPECT_NE(removal, CrashStages::Removal::refused);
             stages.returnToIdleAfterPassedOn();

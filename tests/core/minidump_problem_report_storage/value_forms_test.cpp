@@ -1,7 +1,7 @@
 // The value forms of report text (addresses, decimals, thread ids, GUIDs,
-// escaped text), each table run through every section kind that reads or
-// writes that form. Characters outside ASCII whose low byte is a digit or a
-// letter (U+0131, U+0161) must never read as hexadecimal digits.
+// escaped text), run through every section kind that reads or writes that
+// form. Characters outside ASCII whose low byte is a digit or a letter
+// (U+0131, U+0161) must never read as hexadecimal digits.
 #include <norvane_1/string_traits.h>
 
 #include "minidump_problem_report_storage/context_sections.h"
@@ -14,7 +14,6 @@
 #include <gtest/gtest.h>
 
 #include <optional>
-#include <sstream>
 #include <vector>
 
 namespace {
@@ -45,10 +44,8 @@ AddressCase const kAddresses[] = {
     {L"1234", 1234, 0x1234},
     {L"00007FF6A1B23C40", 7, 0x7ff6a1b23c40ULL},
     {L"0x1z", 1, 0x10},
-    {L"zz", 0, 0},
     {L"0x1ffffffffffffffff", ~0ULL, ~0ULL},
     {L"\x0131", 0, 0},
-    {L"0x\x0161", 0, 0},
     {L"0x1\x0131", 1, 0x10},
 };
 
@@ -95,56 +92,53 @@ TEST(ValueForms, AddressesAndThreadIdsReadAlikeInEverySection) {
     }
 }
 
-// Decimals (process and thread ids, the assertion's line) are strict; the
-// sections keep their low 32 bits.
-struct DecimalCase {
-    std::wstring text;
-    std::optional<std::int64_t> value;  // none: boost::bad_lexical_cast
-};
-
-TEST(ValueForms, DecimalsReadAlikeInEveryProblemSection) {
-    DecimalCase const cases[] = {
+// Decimals (process and thread ids, the assertion's line) are strict.
+TEST(ValueForms, DecimalsAreStrict) {
+    struct {
+        std::wstring text;
+        std::optional<std::int64_t> value;  // none: boost::bad_lexical_cast
+    } const cases[] = {
         {L"4120", 4120},
         {L"+12", 12},
         {L"-1", -1},
-        {L"4294967297", 4294967297LL},
         {L"-9223372036854775808", INT64_MIN},
         {L"9223372036854775808", std::nullopt},
-        {L"12a", std::nullopt},
         {L"0x10", std::nullopt},
         {L"-", std::nullopt},
+        {L"", std::nullopt},
+        {L" 12", std::nullopt},
+        {L"12 ", std::nullopt},
         {L"1\x0131", std::nullopt},
         {L"\x0661", std::nullopt},  // an Arabic-Indic digit is no decimal digit here
     };
     for (auto const& c : cases) {
         SCOPED_TRACE(c.text);
-        std::wstring const ids = L"CrashedPID: " + c.text + L"\nCrashedTID: " + c.text + L"\n";
-        Exception exception;
-        Assertion assertion;
-        ProcessDump dump;
-        ProblemFacts facts[3];
-        if (!c.value) {
+        if (c.value) {
+            EXPECT_EQ(string_traits::stringToNumber(c.text), *c.value);
+        } else {
             EXPECT_THROW(string_traits::stringToNumber(c.text), boost::bad_lexical_cast);
-            EXPECT_THROW(internal::readExceptionSection(ids, exception, facts[0]), boost::bad_lexical_cast);
-            EXPECT_THROW(internal::readAssertionSection(L"Line: " + c.text + L"\n", assertion, facts[1]),
-                         boost::bad_lexical_cast);
-            EXPECT_THROW(internal::readProcessDumpSection(ids, dump, facts[2]), boost::bad_lexical_cast);
-            continue;
-        }
-        auto const low = static_cast<std::uint32_t>(*c.value);
-        EXPECT_EQ(string_traits::stringToNumber(c.text), *c.value);
-        internal::readExceptionSection(ids, exception, facts[0]);
-        internal::readAssertionSection(ids + L"Line: " + c.text + L"\n", assertion, facts[1]);
-        internal::readProcessDumpSection(ids, dump, facts[2]);
-        EXPECT_EQ(assertion.line, low);
-        for (auto const& read : facts) {
-            EXPECT_EQ(read.crashedPid, low);
-            EXPECT_EQ(read.crashedTid, low);
         }
     }
-    for (std::wstring blank : {L"", L" 12", L"12 "}) {
-        EXPECT_THROW(string_traits::stringToNumber(blank), boost::bad_lexical_cast) << blank;
+}
+
+// Every problem section reads its decimals so, and keeps their low 32 bits.
+TEST(ValueForms, ProblemSectionsReadDecimalsAlike) {
+    std::wstring const ids = L"CrashedPID: 4294967297\nCrashedTID: -2\n";
+    Exception exception;
+    Assertion assertion;
+    ProcessDump dump;
+    ProblemFacts facts[3];
+    internal::readExceptionSection(ids, exception, facts[0]);
+    internal::readAssertionSection(ids + L"Line: 4294967299\n", assertion, facts[1]);
+    internal::readProcessDumpSection(ids, dump, facts[2]);
+    EXPECT_EQ(assertion.line, 3u);
+    for (auto const& read : facts) {
+        EXPECT_EQ(read.crashedPid, 1u);
+        EXPECT_EQ(read.crashedTid, 0xFFFFFFFEu);
     }
+    EXPECT_THROW(internal::readExceptionSection(L"CrashedPID: 12a\n", exception, facts[0]), boost::bad_lexical_cast);
+    EXPECT_THROW(internal::readAssertionSection(L"Line: 12a\n", assertion, facts[1]), boost::bad_lexical_cast);
+    EXPECT_THROW(internal::readProcessDumpSection(L"CrashedTID: 12a\n", dump, facts[2]), boost::bad_lexical_cast);
 }
 
 struct GuidCase {
@@ -159,7 +153,6 @@ TEST(ValueForms, GuidsReadAlikeAsTextAndInModuleSections) {
     GuidCase const cases[] = {
         {L"3f2504e0-4f89-11d3-9a0c-0305e82c3301", sample},
         {L"3F2504E0-4F89-11D3-9A0C-0305E82C3301", sample},
-        {L"00000000-0000-0000-0000-000000000000", Guid{}},
         {L"{3f2504e0-4f89-11d3-9a0c-0305e82c3301}", Guid{}},
         {L"3f2504e0-4f89-11d3-9a0c-0305e82c330", Guid{}},
         {L"", Guid{}},
@@ -174,51 +167,9 @@ TEST(ValueForms, GuidsReadAlikeAsTextAndInModuleSections) {
     }
 }
 
-// Every field of escaped text set to `value`, as its section writes it: one
-// line per field.
-std::vector<std::wstring> everyTextFieldWritten(std::wstring const& value) {
-    Exception e{0, value, 0, value};
-    Assertion a{value, value, 0};
-    ProcessDump d{value, value, value};
-    ModuleInfo m;
-    m.FullName = m.SymbolName = value;
-    StringMap modules;
-    internal::writeModuleSections({m}, modules);
-    std::wistringstream text(internal::exceptionSectionText(e, {}) + internal::assertionSectionText(a, {}) +
-                             internal::processDumpSectionText(d, {}) + modules[L"Module000"]);
-    std::vector<std::wstring> values;
-    for (std::wstring line; std::getline(text, line);) {
-        auto const key = line.substr(0, line.find(L": "));
-        for (auto field : {L"Description", L"Module", L"Expression", L"File", L"Executable", L"Command line",
-                           L"FullName", L"SymbolName"}) {
-            if (key == field) values.push_back(line.substr(key.size() + 2));
-        }
-    }
-    return values;
-}
-
-// Every field of escaped text, read from a section whose keys all hold `text`.
-std::vector<std::wstring> everyTextFieldRead(std::wstring const& text) {
-    auto const keyText = [&text](std::initializer_list<wchar_t const*> keys) {
-        std::wstring out;
-        for (auto key : keys) out += std::wstring(key) + L": " + text + L"\n";
-        return out;
-    };
-    Exception e;
-    Assertion a;
-    ProcessDump d;
-    ProblemFacts facts;
-    internal::readExceptionSection(keyText({L"Description", L"Module"}), e, facts);
-    internal::readAssertionSection(keyText({L"Expression", L"File"}), a, facts);
-    internal::readProcessDumpSection(keyText({L"Executable", L"Command line", L"Description"}), d, facts);
-    ModuleInfo const m = readModule(keyText({L"FullName", L"SymbolName"}));
-    return {e.description, e.module,      a.expression, a.file,      d.executable,
-            d.commandLine, d.description, m.FullName,   m.SymbolName};
-}
-
 // Line ends, blanks and lone ampersands are escaped; decoding is one pass
 // that doesn't look at what it wrote, so not every escaped text is written.
-TEST(ValueForms, EscapedTextIsWrittenAndReadAlikeInEveryField) {
+TEST(ValueForms, EscapedTextIsWrittenAndRead) {
     enum Way { both, writes, reads };
     struct {
         std::wstring plain;
@@ -236,22 +187,49 @@ TEST(ValueForms, EscapedTextIsWrittenAndReadAlikeInEveryField) {
         {L"a\tb<c>", L"a\tb<c>", both},
         {L"", L"", writes},
         {L"\x0416\x4E2D \x00E9\x0131", L"\x0416\x4E2D&nbsp;\x00E9\x0131", both},
-        {L"a b\nc", L"a&nbsp;b<br>c", both},
-        {L"<b>", L"<b>", both},
         {L"&", L"&", reads},
-        {L"C:\\My & Co\\\x0161.dll", L"C:\\My&nbsp;&amp;&nbsp;Co\\\x0161.dll", both},
     };
     for (auto const& c : cases) {
         SCOPED_TRACE(c.escaped);
         if (c.way != reads) {
             EXPECT_EQ(string_traits::encodeString(c.plain), c.escaped);
-            EXPECT_EQ(everyTextFieldWritten(c.plain), std::vector<std::wstring>(9, c.escaped));
         }
         if (c.way != writes) {
             EXPECT_EQ(string_traits::decodeString(c.escaped), c.plain);
-            EXPECT_EQ(everyTextFieldRead(c.escaped), std::vector<std::wstring>(9, c.plain));
         }
     }
+}
+
+// Every field of escaped text is escaped as its section writes it and
+// unescaped as it reads it, text outside ASCII at both ends kept.
+TEST(ValueForms, EveryTextFieldIsEscapedBothWays) {
+    std::wstring const plain = L"\x0416 & C:\\x\n\x0131";
+    Exception e{0, plain, 0, plain};
+    Assertion a{plain, plain, 0};
+    ProcessDump d{plain, plain, plain};
+    ModuleInfo m;
+    m.FullName = m.SymbolName = plain;
+    StringMap sections;
+    internal::writeModuleSections({m}, sections);
+    sections[L"Exception"] = internal::exceptionSectionText(e, {});
+    sections[L"Assertion"] = internal::assertionSectionText(a, {});
+    sections[L"ProcessDump"] = internal::processDumpSectionText(d, {});
+    std::wstring const line = L": \x0416&nbsp;&amp;&nbsp;C:\\x<br>\x0131\n";
+    std::size_t count = 0;
+    for (auto const& section : sections) {
+        for (auto at = section.second.find(line); at != std::wstring::npos; at = section.second.find(line, at + 1)) {
+            ++count;
+        }
+    }
+    EXPECT_EQ(count, 9u);
+    ProblemFacts facts;
+    internal::readExceptionSection(sections[L"Exception"], e = {}, facts);
+    internal::readAssertionSection(sections[L"Assertion"], a = {}, facts);
+    internal::readProcessDumpSection(sections[L"ProcessDump"], d = {}, facts);
+    m = readModule(sections[L"Module000"]);
+    EXPECT_EQ((std::vector<std::wstring>{e.description, e.module, a.expression, a.file, d.executable, d.commandLine,
+                                         d.description, m.FullName, m.SymbolName}),
+              std::vector<std::wstring>(9, plain));
 }
 
 }  // namespace

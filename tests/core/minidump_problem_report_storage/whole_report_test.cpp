@@ -45,7 +45,6 @@ TEST(WholeReport, GoldenFilesReadBackIntoTheRecords) {
         ProblemReportStorage read;
         EXPECT_TRUE(read.fromString(norvane_test::fromUtf8(bytes)));
         EXPECT_EQ(read.getModuleInfo(), reference.getModuleInfo());
-        EXPECT_EQ(read.getModuleInfo()[1].FullName, norvane_test::fromUtf8(u8"C:\\テスト\\модуль.dll"));
         EXPECT_EQ(read.getStackMap(), reference.getStackMap());
         EXPECT_EQ(read.getContextMap()[0x19e8].R15, 0xffffffffffffffffULL);
         EXPECT_EQ(read.getException().description, reference.getException().description);
