@@ -1,4 +1,4 @@
-// Linux: the images and regions a maps text gives, through the scan.
+// The module scan over the images and regions of a Linux maps text.
 #include "map_testing.h"
 
 #include "module_map/maps_region_source.h"
@@ -13,7 +13,8 @@ namespace {
 
 char const kMaps[] =
     "55d0a0000000-55d0a0001000 r--p 00000000 08:01 100    /usr/bin/prog\n"
-    "55d0a0001000-55d0a0002000 r-xp 00001000 08:01 100    /usr/bin/prog\n"
+    "55d0a0001000-55d0a0001800 r-xp 00001000 08:01 100    /usr/bin/prog\n"
+    "55d0a0001800-55d0a0002000 r-xp 00001800 08:01 100    /usr/bin/prog\n"
     "55d0a0002000-55d0a0003000 r--p 00002000 08:01 100    /usr/bin/prog\n"
     "55d0a0004000-55d0a0005000 rw-p 00003000 08:01 100    /usr/bin/prog\n"
     "55d0a0005000-55d0a0006000 rw-p 00000000 00:00 0 \n"
@@ -23,7 +24,8 @@ char const kMaps[] =
     "7f0000002000-7f0000003000 r-xp 00002000 08:01 200    /lib/a.so (deleted)\n"
     "7f0000003000-7f0000004000 r-xp 00000000 08:01 300    /lib/b with blanks.so\n"
     "7f0000004000-7f0000005000 r-xp 00001000 08:01 301    /lib/b with blanks.so\n"
-    "7f0000005000-7f0000006000 r-xp 00000000 00:00 0 \n"
+    "7f0000006000-7f0000007000 r-xp 00000000 00:00 0 \n"
+    "7f0000007000-7f0000008000 r--p 00000000 08:01 400    /usr/lib/locale/archive\n"
     "7ffd00000000-7ffd00021000 rw-p 00000000 00:00 0      [stack]\n"
     "7ffd00100000-7ffd00102000 r-xp 00000000 00:00 0      [vdso]\n"
     "7ffd00102000-7ffd00104000 r--p 00000000 00:00 0      [vvar]\n"
@@ -43,12 +45,14 @@ std::vector<norvane_1::MapsLine> mappingsOf(char const* maps) {
 
 TEST(MapsRegionSource, ImagesOfFilesGiveTheirCodeStretches) {
     std::vector<norvane_1::MapsLine> const lines = mappingsOf(kMaps);
-    ASSERT_EQ(lines.size(), 17u);
+    ASSERT_EQ(lines.size(), 19u);
     norvane_1::MapsRegionSource source(lines);
     MapPtr map = newMap();
     norvane_1::scanModules(source, *map);
-    // a.so is one image across the anonymous page; a second file of the
-    // same name (another inode) is an image of its own.
+    // prog's two code mappings make one stretch; a.so is one image across
+    // the anonymous page, with a stretch on either side; a second file of the
+    // same name (another inode) is an image of its own, its code running up
+    // to the free gap. Anonymous code and a file without code make none.
     EXPECT_EQ(contents(*map), (std::vector<Entry>{{0x55d0a0001000, 0x55d0a0002000, L"/usr/bin/prog"},
                                                   {0x7f0000000000, 0x7f0000001000, L"/lib/a.so"},
                                                   {0x7f0000002000, 0x7f0000003000, L"/lib/a.so"},

@@ -1,6 +1,5 @@
 // Insertion and removal rules of the module map, and what a reallocation
-// keeps. The insertion that finds its half full and reallocates is in
-// map_heap_failure_test.cpp (InsertionThatCannotGrow...).
+// keeps. A reallocation that fails is in map_heap_failure_test.cpp.
 #include "map_testing.h"
 
 #include <gtest/gtest.h>
@@ -23,12 +22,8 @@ std::vector<Change> const kInsertions = {
     {"first entry of an empty map", {}, 10, 20, {{10, 20, L"N"}}},
     {"equal range replaces", {{10, 20, L"a"}}, 10, 20, {{10, 20, L"N"}}},
     {"covering several leaves one", {{10, 20, L"a"}, {30, 40, L"b"}, {50, 60, L"c"}}, 5, 70, {{5, 70, L"N"}}},
-    {"below all comes first", {{10, 20, L"a"}, {30, 40, L"b"}}, 1, 5, {{1, 5, L"N"}, {10, 20, L"a"}, {30, 40, L"b"}}},
-    {"above all comes last",
-     {{10, 20, L"a"}, {30, 40, L"b"}},
-     50,
-     60,
-     {{10, 20, L"a"}, {30, 40, L"b"}, {50, 60, L"N"}}},
+    {"below all is first", {{10, 20, L"a"}, {30, 40, L"b"}}, 1, 5, {{1, 5, L"N"}, {10, 20, L"a"}, {30, 40, L"b"}}},
+    {"above all is last", {{10, 20, L"a"}, {30, 40, L"b"}}, 50, 60, {{10, 20, L"a"}, {30, 40, L"b"}, {50, 60, L"N"}}},
     {"between two", {{10, 20, L"a"}, {30, 40, L"b"}}, 22, 28, {{10, 20, L"a"}, {22, 28, L"N"}, {30, 40, L"b"}}},
     {"beginning at an entry's end stands behind it", {{10, 20, L"a"}}, 20, 30, {{10, 20, L"a"}, {20, 30, L"N"}}},
     {"ending at an entry's begin stands before it", {{20, 30, L"a"}}, 10, 20, {{10, 20, L"N"}, {20, 30, L"a"}}},
