@@ -3,11 +3,15 @@
 # the stack in-process (or, with CHAIN_COLLECT=outside, letting the handler
 # read it from outside), and checks the crashed thread's clean stack against
 # the program's own symbols: each frame's address, taken back to its file, is
-# named by binutils' addr2line. Runs on the build host; for a Windows build
-# the host runs under the emulator.
+# named by binutils' addr2line. Read from outside, the report is then shown
+# with kelmur-feedback -show-report, whose own symbol lookup must name the
+# same chain with source lines; natively, a file of another build than the
+# one that crashed must name nothing. A damaged report must be refused with
+# a reason. Runs on the build host; for a Windows build the host and the tool
+# run under the emulator.
 #
-#   check_stack_chain.sh KIND elf ADDR2LINE READELF HOST
-#   check_stack_chain.sh KIND pe  ADDR2LINE OBJDUMP HOST EMULATOR
+#   check_stack_chain.sh KIND elf ADDR2LINE READELF HOST TOOL
+#   check_stack_chain.sh KIND pe  ADDR2LINE OBJDUMP HOST TOOL EMULATOR
 #
 # KIND is call-chain, library-chain or no-unwind-info. The first two must
 # show the chain frame by frame from the exception's own frame on; behind a
@@ -15,7 +19,7 @@
 # the frames the scan found.
 set -euo pipefail
 
-kind=$1 format=$2 addr2line=$3 dump=$4 host=$5 emulator=${6:-}
+kind=$1 format=$2 addr2line=$3 dump=$4 host=$5 tool=$6 emulator=${7:-}
 
 case $kind in
     call-chain) expected=(accessViolation crash_host_chain_3 crash_host_chain_2 crash_host_chain_1) strict=1 ;;
@@ -30,11 +34,15 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 log_dir="$work/log dir"
 mkdir -p "$log_dir"
-if [[ $format == pe ]]; then
-    log_dir_argument="Z:${log_dir//\//\\}\\"
-else
-    log_dir_argument="$log_dir/"
-fi
+
+# The programs' own form of a path of this machine.
+native_path() {
+    if [[ $format == pe ]]; then
+        printf 'Z:%s' "${1//\//\\}"
+    else
+        printf '%s' "$1"
+    fi
+}
 
 fail() {
     printf 'FAIL: %s\n--- report:\n' "$*" >&2
@@ -47,7 +55,7 @@ collect=(NORVANEMINIDUMP1_INPROCESS_COLLECT=1 KELMUR_FEEDBACK_KEEP_REPORT=1)
 # Whatever of cleared_variables.txt the caller's shell holds must not reach the host.
 readarray -t cleared < <(grep '^[A-Z]' "$(dirname "${BASH_SOURCE[0]}")/../support/cleared_variables.txt")
 status=0
-env "${cleared[@]/#/--unset=}" "${collect[@]}" KELMUR_FEEDBACK_NO_DUMP=1 NORVANE_LOG_DIR="$log_dir_argument" \
+env "${cleared[@]/#/--unset=}" "${collect[@]}" KELMUR_FEEDBACK_NO_DUMP=1 NORVANE_LOG_DIR="$(native_path "$log_dir/")" \
     $emulator "$host" "$kind" >"$work/host output.txt" 2>&1 || status=$?
 [[ $status -eq 3 ]] || fail "the host ended with $status, not with 3: $(cat "$work/host output.txt")"
 
@@ -129,3 +137,39 @@ for ((i = 1; i < ${#names[@]} && next < ${#expected[@]}; ++i)); do
 done
 [[ $next -eq ${#expected[@]} ]] || fail "${expected[next]} is missing from the stack"
 echo "the stack of $kind shows ${expected[*]} in order"
+
+[[ ${CHAIN_COLLECT:-} == outside ]] || exit 0
+
+# The frames of the first thread of a view.
+first_thread_frames() { tr -d '\r' <"$1" | awk '/^Thread / { n++ } n == 1 && /^  #/'; }
+
+status=0
+$emulator "$tool" -show-report "$(native_path "$log_dir/crash_info.txt")" >"$work/view.txt" 2>"$work/errors.txt" ||
+    status=$?
+[[ $status -eq 0 ]] || fail "-show-report ended with $status: $(cat "$work/errors.txt")"
+head -1 "$work/view.txt" | grep -q '^Exception 0xC0000005' || fail "the view does not begin with the exception"
+first_thread=$(tr -d '\r' <"$work/view.txt" | grep -m1 '^Thread ')
+[[ $first_thread == *"(crashed)" ]] || fail "the first thread shown is not the crashed one: $first_thread"
+mapfile -t frames < <(first_thread_frames "$work/view.txt")
+for i in "${!expected[@]}"; do
+    frame=${frames[i]:-}
+    [[ $frame == *"${expected[i]}"* ]] || fail "frame $i of the view is not in ${expected[i]}: $frame"
+    [[ $frame =~ \.cpp:[0-9]+$ ]] || fail "frame $i of the view has no source line: $frame"
+done
+
+# Only the ELF build id is held against the file; a mingw build's DWARF has
+# no identity to compare.
+if [[ $format == elf ]]; then
+    sed 's/^Guid: .*/Guid: 01234567-89ab-cdef-0123-456789abcdef/' "$log_dir/crash_info.txt" >"$work/other build.txt"
+    "$tool" -show-report "$work/other build.txt" >"$work/view.txt" || fail "-show-report failed on another build"
+    frame=$(first_thread_frames "$work/view.txt" | sed -n 2p)
+    [[ $frame == *"another build"* && $frame != *"${expected[1]}"* ]] ||
+        fail "a file of another build still names frame 1: $frame"
+fi
+
+printf '[Exception]\nCrashedPID: not a number\n' >"$work/damaged.txt"
+status=0
+$emulator "$tool" -show-report "$(native_path "$work/damaged.txt")" >/dev/null 2>"$work/errors.txt" || status=$?
+[[ $status -eq 1 ]] || fail "a damaged report gave exit code $status, not 1"
+grep -q 'damaged' "$work/errors.txt" || fail "a damaged report gave no reason: $(cat "$work/errors.txt")"
+echo "-show-report names the chain with its lines, and refuses a damaged report"

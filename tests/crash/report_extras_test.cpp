@@ -108,16 +108,11 @@ TEST(ReportExtras, TwoProcessesWritingTheCreationLogAtOnce) {
     constexpr int kRecords = 1500;
     CrashRun run;
     fs::create_directories(run.logDirectory());
+    run.set("CRASH_HOST_RECORDS", std::to_string(kRecords));
     std::vector<std::unique_ptr<norvane_test::ChildProcess>> writers;
     for (char const* name : {"A", "B"}) {
-        norvane_test::ChildOptions options;
-        options.program = norvane_test::programBesideThisOne("crash_host");
-        options.arguments = {"creation-log-writer"};
-        options.environment = {{"NORVANE_LOG_DIR", run.logDirectory().u8string()},
-                               {"CRASH_HOST_RECORDS", std::to_string(kRecords)},
-                               {"CRASH_HOST_WRITER", std::string(name)}};
-        options.standardOutput = run.scratch() / (std::string("writer-") + name + ".txt");
-        writers.push_back(std::make_unique<norvane_test::ChildProcess>(options));
+        run.set("CRASH_HOST_WRITER", std::string(name));
+        writers.push_back(run.start("creation-log-writer"));
     }
     for (auto& writer : writers) {
         norvane_test::ChildOutcome const outcome = writer->wait(std::chrono::seconds(120));

@@ -56,8 +56,11 @@ TEST(InProcessStack, StartsAtTheFaultAndNamesEachFramesModule) {
     CrashRun run;
     collectInProcess(run);
     ASSERT_TRUE(crash_test::handledByLibrary(run.run("call-chain"))) << run.hostOutput();
+    // The stack is in the report: the handler gets 0 to read, the report keeps
+    // the real pid.
     EXPECT_EQ(run.handlerArguments(), crash_test::fixedHandlerArguments(run.logDirectory(), 0));
     norvane_1::ProblemReportStorage report = run.readReport();
+    EXPECT_EQ(report.getCrashedPid(), run.hostPid());
     norvane_1::Exception const& exception = report.getException();
     std::wstring const host = wide(std::string(crash_test::kHostProcessName));
     EXPECT_EQ(exception.module, host);
@@ -71,8 +74,11 @@ TEST(InProcessStack, StartsAtTheFaultAndNamesEachFramesModule) {
         EXPECT_EQ(frames[i].kind, kUnwoundFrame) << "frame " << i;
         EXPECT_EQ(moduleOf(frames[i]), host) << "frame " << i;
     }
+    // Only the modules the stack passes through: not this library.
     for (std::size_t i = 0; i < frames.size(); ++i)
         EXPECT_TRUE(listsModule(report, moduleOf(frames[i]))) << "frame " << i;
+    EXPECT_FALSE(listsModule(report, wide(std::string(crash_test::kLibraryFileName))));
+    EXPECT_EQ(report.getStackMap().count(report.getCrashedTid()), 0u) << "a raw stack beside the clean one";
 
     norvane_1::ModuleInfo program;
     ASSERT_TRUE(report.findModule(exception.address, program));
@@ -112,50 +118,43 @@ TEST_P(CollectionVariables, ChooseTheStackAndTheModuleList) {
 }
 
 INSTANTIATE_TEST_SUITE_P(CrashHost, CollectionVariables,
-                         testing::Values(CollectionCase{"neither", false, false, true, false},
-                                         CollectionCase{"rawStack", true, false, false, true},
+                         testing::Values(CollectionCase{"rawStack", true, false, false, true},
                                          CollectionCase{"keepModuleMap", false, true, true, true},
                                          CollectionCase{"both", true, true, false, true}));
 
 // With no collect variable the handler reads every thread's stack from
-// outside, the crashed thread's from the fault.
-TEST(OutsideStacks, ADefaultCrashGetsEveryThreadsStackFromOutside) {
-    CrashRun run;
-    ASSERT_TRUE(crash_test::handledByLibrary(run.run("call-chain"))) << run.hostOutput();
-    norvane_1::ProblemReportStorage report = run.readReport();
-    ASSERT_TRUE(startsAtTheFault(report, 5)) << run.logFile("crash_info.txt");
-    EXPECT_EQ(moduleOf(report.getStackFramesMap()[report.getCrashedTid()][1]),
-              wide(std::string(crash_test::kHostProcessName)));
-    // The host's main thread and the library's own threads at the least.
-    EXPECT_GE(report.getStackFramesMap().size(), 3u);
-    EXPECT_TRUE(crash_test::recordsInOrder(run.creationLog(),
-                                           {"kelmur_feedback::collectCrashStacks : .* : Stacks of [0-9]+ threads "
-                                            "collected from outside"}));
-}
-
-// When the stacks can't be read from outside, the handler asks the crashed
-// process for its stack over the task service.
-TEST(OutsideStacks, WhenOutsideFailsTheCrashedProcessCollectsOverTheTaskService) {
-    CrashRun run;
-    run.set("KELMUR_FEEDBACK_NO_OUTSIDE_STACKS", std::string("1"));
-    ASSERT_TRUE(crash_test::handledByLibrary(run.run("call-chain"))) << run.hostOutput();
-    EXPECT_EQ(run.handlerArguments(), crash_test::fixedHandlerArguments(run.logDirectory(), run.hostPid()));
-    norvane_1::ProblemReportStorage report = run.readReport();
-    ASSERT_TRUE(startsAtTheFault(report, 5)) << run.logFile("crash_info.txt");
-    EXPECT_EQ(moduleOf(report.getStackFramesMap()[report.getCrashedTid()][1]),
-              wide(std::string(crash_test::kHostProcessName)));
-
-    // The handler asks; the service runs the fallback in the crashed process.
+// outside, the crashed thread's from the fault. When it can't, it asks the
+// crashed process for its stack over the task service, whose fallback runs
+// there.
+TEST(OutsideStacks, ComeFromOutsideOrFromTheCrashedProcessOverTheTaskService) {
     std::string const server = "norvane_1::ExecuteMinidumpTaskThread::operator\\(\\) : .* : ";
     std::string const fallback =
         "norvane_1::HandlerState::fallbackInProcess : .* : Fallback to in-proc stack collect...";
-    auto const log = run.creationLog();
-    EXPECT_TRUE(crash_test::recordsInOrder(
-        log, {"kelmur_feedback::collectCrashStacks : .* : Stacks from outside failed .*, asking the crashed process",
-              fallback}));
-    EXPECT_TRUE(crash_test::recordsInOrder(
-        log, {server + "Got minidump task <fallbackInProc>", fallback, server + "Replied <PASS> to THE_PIPE_SC",
-              "norvane_1::stopExecuteMinidumpTaskThread : .* : EMT Service stopped!"}));
+    for (bool const outsideFails : {false, true}) {
+        SCOPED_TRACE(outsideFails ? "outside fails" : "outside works");
+        CrashRun run;
+        if (outsideFails) run.set("KELMUR_FEEDBACK_NO_OUTSIDE_STACKS", std::string("1"));
+        ASSERT_TRUE(crash_test::handledByLibrary(run.run("call-chain"))) << run.hostOutput();
+        norvane_1::ProblemReportStorage report = run.readReport();
+        ASSERT_TRUE(startsAtTheFault(report, 5)) << run.logFile("crash_info.txt");
+        EXPECT_EQ(moduleOf(report.getStackFramesMap()[report.getCrashedTid()][1]),
+                  wide(std::string(crash_test::kHostProcessName)));
+        auto const log = run.creationLog();
+        if (!outsideFails) {
+            // The host's main thread and the library's own threads at the least.
+            EXPECT_GE(report.getStackFramesMap().size(), 3u);
+            EXPECT_TRUE(crash_test::recordsInOrder(
+                log, {"kelmur_feedback::collectCrashStacks : .* : Stacks of [0-9]+ threads collected from outside"}));
+            continue;
+        }
+        EXPECT_TRUE(crash_test::recordsInOrder(
+            log,
+            {"kelmur_feedback::collectCrashStacks : .* : Stacks from outside failed .*, asking the crashed process",
+             fallback}));
+        EXPECT_TRUE(crash_test::recordsInOrder(
+            log, {server + "Got minidump task <fallbackInProc>", fallback, server + "Replied <PASS> to THE_PIPE_SC",
+                  "norvane_1::stopExecuteMinidumpTaskThread : .* : EMT Service stopped!"}));
+    }
 }
 
 class DamagedStacks : public testing::TestWithParam<char const*> {};

@@ -2,7 +2,7 @@
 // anything else is refused. The fixed part, the relayed pairs and the
 // on-demand lines as the library writes them are taken by the tool in the
 // crash tests (handler_command_test.cpp, on_demand_test.cpp), -show-report
-// in check_show_report.sh.
+// in check_stack_chain.sh.
 #include "command_line.h"
 
 #include <gtest/gtest.h>
@@ -12,12 +12,12 @@ namespace {
 using kelmur_feedback::parseCommandLine;
 using Arguments = std::vector<std::string>;
 
-Arguments fixedPart(std::string const& stackPid = "4120") {
+Arguments fixedPart() {
     return {"-handle-crash",        "-report-system-info",
             "-system-info-file",    "/var/log/my app/system_info.txt",
             "-collect-module-info", "-collect-product-info",
             "-crash-info-file",     "/var/log/my app/crash_info.txt",
-            "-minidump-stack",      stackPid,
+            "-minidump-stack",      "4120",
             "-dump-memory",         "1",
             "-load-module-map",     "0"};
 }
@@ -59,17 +59,10 @@ Arguments replaced(std::size_t index, std::string const& value) {
     return arguments;
 }
 
-Arguments truncated(std::size_t count) {
-    Arguments arguments = fixedPart();
-    arguments.resize(count);
-    return arguments;
-}
-
 INSTANTIATE_TEST_SUITE_P(
     KelmurFeedbackCommandLine, RefusedCommandLines,
     testing::Values(RefusedCase{"nothing", {}, "expected -handle-crash"},
                     RefusedCase{"flagsSwapped", replaced(4, "-collect-product-info"), "expected -collect-module-info"},
-                    RefusedCase{"valueMissingAtEnd", truncated(13), "-load-module-map needs a value"},
                     RefusedCase{"negativeNumber", replaced(9, "-1"), "decimal"},
                     RefusedCase{"numberBeyond32Bits", replaced(9, "4294967296"), "decimal"},
                     RefusedCase{"portTooHigh", withTail(fixedPart(), {"-tcp-port", "65536"}), "port number"},
@@ -77,15 +70,10 @@ INSTANTIATE_TEST_SUITE_P(
                     RefusedCase{"pairsOutOfOrder",
                                 withTail(fixedPart(), {"-server-certificate", "s.pem", "-tcp-port", "4711"}),
                                 "unexpected argument 17, found '-tcp-port'"},
-                    RefusedCase{"unknownOption", withTail(fixedPart(), {"-verbose"}), "unexpected argument 15"},
                     RefusedCase{"collectWithoutMemory",
                                 {"-report-system-info", "-collect-module-info", "-collect-product-info",
                                  "-crash-info-file", "r.txt"},
                                 "expected -dump-memory="},
-                    RefusedCase{"collectStackNotANumber",
-                                {"-report-system-info", "-collect-module-info", "-collect-product-info",
-                                 "-crash-info-file", "r.txt", "-dump-stack=me", "-dump-memory=0"},
-                                "decimal"},
                     RefusedCase{"sendWithoutTitle", {"-send-crash-report", "r.txt"}, "expected -send-crash-report"},
                     RefusedCase{"mercyKillOfZero", {"-mercy-kill=0"}, "other than 0"},
                     RefusedCase{"mercyKillApart", {"-mercy-kill", "12"}, "expected -mercy-kill=<number>"},

@@ -101,8 +101,7 @@ INSTANTIATE_TEST_SUITE_P(KelmurFeedback, ReportJson,
                                          // A crash's report as the tool completed it.
                                          RoundTripCase{"crashHost",
                                                        [] { return readFrom("crash_host_report.txt"); },
-                                                       {{"/problem/values/CrashedTID", 31659},
-                                                        {"/stacks/0/frames/3/module", "libc.so.6"},
+                                                       {{"/stacks/0/frames/3/module", "libc.so.6"},
                                                         {"/logs/creation/2",
                                                          "norvane_1::startExecuteMinidumpTaskthread : "
                                                          "2026-11-23-17-43-31-994 : EMT Service started!"}}},
@@ -111,7 +110,6 @@ INSTANTIATE_TEST_SUITE_P(KelmurFeedback, ReportJson,
                                              "assertion",
                                              makeAssertionReport,
                                              {{"/problem/values/Line", 212},
-                                              {"/problem/values/File", "src/my buffer.cpp"},
                                               {"/uncaughtException/What", "too long\nby 3"},
                                               {"/sections/Zeta/b", "2"},
                                               {"/sections/Tool Log", "[INFO] started"},  // a head inside is a head

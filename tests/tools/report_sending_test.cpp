@@ -173,17 +173,14 @@ INSTANTIATE_TEST_SUITE_P(
                     PacingCase{"badValuesFallBack",
                                {{"a", "App", "soon", "-1", 0, {"a"}, "KELMUR_FEEDBACK_SEND_INTERVAL_S is 'soon'"}},
                                {}},
-                    // An interval of 0 stands for the time having passed.
+                    // Another product's interval is its own. An interval of 0
+                    // stands for the time having passed.
                     PacingCase{"heldBackThenSentOldestFirst",
                                {{"a", "App", "3600", nullptr, 0, {"a"}, nullptr},
                                 {"b", "App", "3600", nullptr, 1, {}, "the next may go from"},
-                                {"c", "App", "3600", nullptr, 1, {}, nullptr},
-                                {"d", "App", "0", nullptr, 0, {"d", "b", "c"}, nullptr}},
-                               {}},
-                    PacingCase{"productsApart",
-                               {{"a", "App", "3600", nullptr, 0, {"a"}, nullptr},
-                                {"b", "App", "3600", nullptr, 1, {}, nullptr},
-                                {"c", "Other App", "3600", nullptr, 0, {"c"}, nullptr}},
-                               {"b"}}));
+                                {"c", "Other App", "3600", nullptr, 0, {"c"}, nullptr},
+                                {"d", "App", "3600", nullptr, 1, {}, nullptr},
+                                {"e", "App", "0", nullptr, 0, {"e", "b", "d"}, nullptr}},
+                               {}}));
 
 }  // namespace
