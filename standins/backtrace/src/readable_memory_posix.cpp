@@ -13,11 +13,11 @@
 namespace bt {
 namespace {
 
+constexpr std::size_t kPagesAsked = 16;
+
 // How many of the kPagesAsked pages from `first` on can be read, counted up
 // to the first that can't: one system call, which copies a byte of each page
 // and stops at the first it can't copy, with EFAULT rather than a fault.
-constexpr std::size_t kPagesAsked = 16;
-
 std::size_t readablePagesFrom(std::uint64_t first, unsigned pageShift) {
     unsigned char bytes[kPagesAsked];
     iovec local{bytes, sizeof bytes};
@@ -59,8 +59,7 @@ ReadableMemory ReadableMemory::ofThisProcess() {
     // A byte of our own stack can always be read: if the system won't copy
     // it, it won't copy any.
     unsigned char const known = 0;
-    memory.m_probing = readablePagesFrom(reinterpret_cast<std::uint64_t>(&known) >> memory.m_pageShift,
-                                         memory.m_pageShift) > 0;
+    memory.m_probing = memory.learnPagesFrom(reinterpret_cast<std::uint64_t>(&known) >> memory.m_pageShift);
     if (!memory.m_probing) memory.m_ranges = readableMappings();
     return memory;
 }
@@ -78,9 +77,13 @@ bool ReadableMemory::holds(std::uint64_t address, std::size_t size) const {
     }
 }
 
+std::vector<ReadableMemory::Range>::iterator ReadableMemory::firstRangeAbove(std::uint64_t address) const {
+    return std::upper_bound(m_ranges.begin(), m_ranges.end(), address,
+                            [](std::uint64_t a, Range const& r) { return a < r.begin; });
+}
+
 ReadableMemory::Range const* ReadableMemory::rangeHolding(std::uint64_t address) const {
-    auto const above = std::upper_bound(m_ranges.begin(), m_ranges.end(), address,
-                                        [](std::uint64_t a, Range const& r) { return a < r.begin; });
+    auto const above = firstRangeAbove(address);
     if (above == m_ranges.begin()) return nullptr;
     Range const& range = *(above - 1);
     return address < range.end ? &range : nullptr;
@@ -96,8 +99,7 @@ bool ReadableMemory::learnPagesFrom(std::uint64_t page) const {
         return false;
     }
     Range learnt{page << m_pageShift, (page + readable) << m_pageShift};
-    auto at = std::upper_bound(m_ranges.begin(), m_ranges.end(), learnt.begin,
-                               [](std::uint64_t a, Range const& r) { return a < r.begin; });
+    auto at = firstRangeAbove(learnt.begin);
     // Joined with a range it touches on either side, so that a read across
     // the pages of two probes is still answered by one range.
     if (at != m_ranges.begin() && (at - 1)->end >= learnt.begin) {

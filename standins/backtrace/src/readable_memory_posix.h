@@ -31,6 +31,7 @@ private:
         std::uint64_t end;
     };
 
+    std::vector<Range>::iterator firstRangeAbove(std::uint64_t address) const;
     Range const* rangeHolding(std::uint64_t address) const;
     bool learnPagesFrom(std::uint64_t page) const;
     static std::vector<Range> readableMappings();
